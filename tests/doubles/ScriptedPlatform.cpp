@@ -1,0 +1,72 @@
+#include "doubles/ScriptedPlatform.h"
+
+#include <QCoreApplication>
+
+int ScriptedDialogs::MsgBox(const QString &prompt, int style, const QString &title)
+{
+    shown.append({prompt, style, title});
+    if (onShow)
+        onShow(shown.last());
+    return answers.isEmpty() ? MsgBox::Ok : answers.takeFirst();
+}
+
+bool ScriptedConnection::probe(const QString &url)
+{
+    probed.append(url);
+    if (duringProbe)
+        duringProbe();
+    return probeAnswer;
+}
+
+bool ScriptedConnection::connectedState()
+{
+    ++connectedCalls;
+    return connectedAnswer;
+}
+
+static qint64 period(const Timer &t)
+{
+    return t.isFast() ? Timer::FastTickMs : t.Interval();
+}
+
+void ManualClock::reschedule(Timer &timer)
+{
+    forget(timer);
+    if (timer.isRunning())
+        m_entries.append({&timer, m_now + period(timer), m_order++});
+}
+
+void ManualClock::forget(Timer &timer)
+{
+    m_entries.removeIf([&](const Entry &e) { return e.timer == &timer; });
+}
+
+void ManualClock::advance(int ms)
+{
+    const qint64 target = m_now + ms;
+    for (;;) {
+        const Entry *next = nullptr;
+        for (const Entry &e : m_entries)
+            if (e.due <= target && (!next || e.due < next->due || (e.due == next->due && e.order < next->order)))
+                next = &e;
+        if (!next)
+            break;
+        Timer *t = next->timer;
+        m_now = next->due;
+        // Schedule the following tick before firing, so a handler that
+        // disables or re-enables its own timer has the last word.
+        const qint64 following = m_now + period(*t);
+        for (Entry &e : m_entries)
+            if (e.timer == t)
+                e.due = following;
+        emit t->tick();
+        QCoreApplication::processEvents();
+    }
+    m_now = target;
+}
+
+ScriptedPlatform::ScriptedPlatform()
+    : platform{app, dialogs, connection, shell, process, clock, forms}
+{
+    app.Path = QStringLiteral(ZARVENT_RUNTIME_DIR); // where the build puts img/
+}

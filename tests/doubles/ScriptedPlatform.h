@@ -1,0 +1,98 @@
+#pragma once
+
+// Scripted doubles of the platform seams, for tests of form logic. Each
+// records what the form asked and answers what the test told it to.
+
+#include "platform/AppInfo.h"
+#include "platform/Clock.h"
+#include "platform/Connection.h"
+#include "platform/Dialogs.h"
+#include "platform/Forms.h"
+#include "platform/Platform.h"
+#include "platform/Process.h"
+#include "platform/Shell.h"
+
+#include <QList>
+#include <QStringList>
+
+#include <functional>
+
+struct ShownBox {
+    QString prompt;
+    int style;
+    QString title; // as passed; empty means the application title
+};
+
+class ScriptedDialogs : public Dialogs {
+public:
+    int MsgBox(const QString &prompt, int style = 0, const QString &title = QString()) override;
+
+    QList<ShownBox> shown;
+    QList<int> answers; // answered in order; MsgBox::Ok once they run out
+    std::function<void(const ShownBox &)> onShow; // lets a test look at the world while a box is "up"
+};
+
+class ScriptedConnection : public Connection {
+public:
+    bool probe(const QString &url) override;
+    bool connectedState() override;
+
+    bool probeAnswer = false;
+    bool connectedAnswer = false;
+    QStringList probed;
+    int connectedCalls = 0;
+    std::function<void()> duringProbe; // runs while the "blocking" probe is in progress
+};
+
+class ScriptedShell : public Shell {
+public:
+    void open(const QString &target) override { opened.append(target); }
+    QStringList opened;
+};
+
+class ScriptedProcess : public Process {
+public:
+    void end(int exitCode = 0) override
+    {
+        ++ends;
+        lastExitCode = exitCode;
+    }
+    int ends = 0;
+    int lastExitCode = -1;
+};
+
+// Virtual time. advance() fires every timer whose moment comes, in order of
+// time and then of creation; fast timers fire every 16 ms as on the real clock.
+class ManualClock : public Clock {
+public:
+    void reschedule(Timer &timer) override;
+    void forget(Timer &timer) override;
+
+    void advance(int ms);
+    qint64 now() const { return m_now; }
+
+private:
+    struct Entry {
+        Timer *timer;
+        qint64 due;
+        qint64 order;
+    };
+    QList<Entry> m_entries;
+    qint64 m_now = 0;
+    qint64 m_order = 0;
+};
+
+// All of the above bundled as the forms expect them.
+class ScriptedPlatform {
+public:
+    ScriptedPlatform();
+
+    AppInfo app;
+    ScriptedDialogs dialogs;
+    ScriptedConnection connection;
+    ScriptedShell shell;
+    ScriptedProcess process;
+    ManualClock clock;
+    Forms forms;
+    Platform platform;
+};

@@ -1,0 +1,128 @@
+#!/usr/bin/env bash
+# End-to-end checks of the real zarvent on the display in $DISPLAY.
+#   e2e.sh <case> <path to zarvent> <folder for screenshots>
+# Cases:
+#   startup_offline  the splash appears, and with no network the Mp3 panel follows within 7 s
+#   splash_keypress  a key on the splash ends the program and nothing else appears
+#   map_route        with the probe answered (a local server named example.com in a
+#                    private network namespace), the map appears in its outline
+set -uo pipefail
+case_name=$1 program=$2 shots=$3
+mkdir -p "$shots"
+
+if [ -z "${DISPLAY:-}" ] || ! xdpyinfo >/dev/null 2>&1; then
+  echo "SKIP: no X display (scripts/test starts one)"; exit 77
+fi
+
+pids=()
+scratch=$(mktemp -d /tmp/zarvent-e2e.XXXXXX)
+cleanup() {
+  for p in "${pids[@]}"; do kill -9 "$p" 2>/dev/null; done
+  rm -rf "$scratch"
+}
+trap cleanup EXIT
+fail() { echo "FAIL: $*"; exit 1; }
+
+now_ms() { date +%s%3N; }
+
+# Waits up to $1 ms for a visible window whose name matches $2; prints its id.
+wait_window() {
+  local limit=$1 pattern=$2 start id
+  start=$(now_ms)
+  while [ $(( $(now_ms) - start )) -lt "$limit" ]; do
+    id=$(xdotool search --onlyvisible --name "$pattern" 2>/dev/null | head -n 1)
+    [ -n "$id" ] && { echo "$id"; return 0; }
+    sleep 0.05
+  done
+  return 1
+}
+
+visible() { [ -n "$(xdotool search --onlyvisible --name "$1" 2>/dev/null)" ]; }
+
+# Runs the program with no network at all: a network namespace of its own
+# holding only a loopback that is down.
+start_offline() {
+  if unshare -n true 2>/dev/null; then
+    unshare -n "$program" >"$scratch/out.log" 2>&1 &
+  else
+    echo "note: no network namespace here; relying on the machine having no route out"
+    "$program" >"$scratch/out.log" 2>&1 &
+  fi
+  pids+=($!)
+  started=$(now_ms)
+}
+
+case "$case_name" in
+startup_offline)
+  start_offline
+  splash=$(wait_window 5000 '^Zarvent$') || fail "no splash window"
+  geometry=$(xdotool getwindowgeometry "$splash" | awk '/Geometry/ {print $2}')
+  [ "$geometry" = "509x381" ] || fail "splash is $geometry, not 509x381"
+  sleep 1.5
+  import -window root "$shots/splash.png" 2>/dev/null || true
+  mp3=$(wait_window $(( 7000 - ($(now_ms) - started) )) '^Mp3 Player$') || fail "no Mp3 panel within 7 s"
+  echo "Mp3 panel after $(( $(now_ms) - started )) ms"
+  visible '^Zarvent$' && fail "the splash is still showing"
+  visible '^Form2$' && fail "the map showed without a network"
+  geometry=$(xdotool getwindowgeometry "$mp3" | awk '/Geometry/ {print $2}')
+  [ "$geometry" = "856x320" ] || fail "Mp3 panel is $geometry, not 856x320"
+  kill -0 "${pids[0]}" 2>/dev/null || fail "the program ended"
+  ;;
+
+splash_keypress)
+  start_offline
+  splash=$(wait_window 5000 '^Zarvent$') || fail "no splash window"
+  xdotool windowactivate --sync "$splash" 2>/dev/null || xdotool windowfocus --sync "$splash"
+  xdotool key --clearmodifiers x
+  for _ in $(seq 1 40); do
+    kill -0 "${pids[0]}" 2>/dev/null || break
+    sleep 0.05
+  done
+  kill -0 "${pids[0]}" 2>/dev/null && fail "the program is still running after the key"
+  wait "${pids[0]}"; code=$?
+  [ "$code" -eq 0 ] || fail "exit code $code"
+  visible '^Mp3 Player$' && fail "the Mp3 panel appeared"
+  ;;
+
+map_route)
+  if [ "$(id -u)" -ne 0 ] || ! unshare -n -m true 2>/dev/null; then
+    echo "SKIP: needs root for a private network namespace"; exit 77
+  fi
+  # Inside: loopback up, example.com naming it, a web server on port 80.
+  cat >"$scratch/inside.sh" <<INSIDE
+set -e
+ip link set lo up
+printf '127.0.0.1 localhost example.com\n' > "$scratch/hosts"
+mount --bind "$scratch/hosts" /etc/hosts
+mkdir -p "$scratch/www"; echo ok > "$scratch/www/index.html"
+(cd "$scratch/www" && exec timeout 60 python3 -m http.server 80 --bind 127.0.0.1) >"$scratch/http.log" 2>&1 &
+for i in \$(seq 1 50); do (exec 3<>/dev/tcp/127.0.0.1/80) 2>/dev/null && break; sleep 0.1; done
+exec "$program"
+INSIDE
+  unshare -n -m bash "$scratch/inside.sh" >"$scratch/out.log" 2>&1 &
+  pids+=($!)
+  started=$(now_ms)
+  map=$(wait_window 9000 '^Form2$') || { cat "$scratch/out.log"; fail "no map window"; }
+  echo "map after $(( $(now_ms) - started )) ms"
+  visible '^Mp3 Player$' && fail "the Mp3 panel showed with a network"
+  geometry=$(xdotool getwindowgeometry "$map" | awk '/Geometry/ {print $2}')
+  [ "$geometry" = "529x429" ] || fail "map is $geometry, not 529x429"
+  # The window is cut to the outline: its corner is no longer the window's.
+  eval "$(xdotool getwindowgeometry --shell "$map")"
+  sleep 0.5
+  import -window root "$shots/map-screen.png" 2>/dev/null || true
+  import -window root -crop "${WIDTH}x${HEIGHT}+${X}+${Y}" "$shots/map.png" 2>/dev/null || true
+  xdotool mousemove $((X + 3)) $((Y + HEIGHT - 3))
+  sleep 0.2
+  under=$(xdotool getmouselocation --shell | awk -F= '/WINDOW/ {print $2}')
+  [ "$under" != "$map" ] || fail "the corner outside the outline still belongs to the map"
+  # A click on the sea of the picture: the program's own message.
+  xdotool mousemove $((X + 480)) $((Y + 300)) click 1
+  box=$(wait_window 3000 '^Zarvent$') || fail "no message after a click outside the regions"
+  import -window root "$shots/map-message.png" 2>/dev/null || true
+  ;;
+*)
+  fail "unknown case $case_name"
+  ;;
+esac
+echo "PASS: $case_name"
