@@ -27,7 +27,7 @@ constexpr int ClientHeight = 5715;
 zzSlider *bar(Platform &platform, QWidget *parent, const char *name, int left, int top, int width, int height,
               const PropertyBag &stored)
 {
-    auto *s = new zzSlider(platform.dialogs, parent);
+    auto *s = new zzSlider(platform.dialogs, platform.process, parent);
     s->setObjectName(QLatin1String(name));
     twips::place(s, left, top, width, height);
     s->ReadProperties(stored);

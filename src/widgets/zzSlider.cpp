@@ -137,22 +137,18 @@ QString textOf(const QVariant &v)
 
 } // namespace
 
-// Errors must not unwind through Qt's event dispatch. The slider cannot end
-// the program the way an uncaught error does, so it says what happened in the
-// boundary's words and carries on.
+// The widget's own event handlers are where its errors meet the event loop:
+// they end the program there rather than unwind through Qt's dispatch.
 template <class Body>
 void zzSlider::atEventEdge(Body &&body)
 {
-    try {
-        std::forward<Body>(body)();
-    } catch (const basic::RuntimeError &e) {
-        m_dialogs.MsgBox(boundary::messageFor(e), static_cast<int>(MsgBox::Critical) + MsgBox::OkOnly);
-    }
+    boundary::run(m_dialogs, m_process, std::forward<Body>(body));
 }
 
-zzSlider::zzSlider(Dialogs &dialogs, QWidget *parent)
+zzSlider::zzSlider(Dialogs &dialogs, Process &process, QWidget *parent)
     : QWidget(parent)
     , m_dialogs(dialogs)
+    , m_process(process)
 {
     setFocusPolicy(Qt::StrongFocus);
 
@@ -240,7 +236,8 @@ void zzSlider::setSliderColor(std::uint32_t color)
 }
 
 // The bounds are taken as given: a bound that leaves Value outside the range
-// moves nothing until the next Value let.
+// moves nothing until the next Value let. Any error on the way (a host's
+// PropertyChanged handler is all that can fail) is shown, not raised.
 void zzSlider::setMaxValue(float value)
 {
     try {
@@ -401,7 +398,7 @@ void zzSlider::TrackMouse(int button, double x, double y)
         if (PerPixel < y && y <= h) {
             m_mouseLocked = true;
             setValue(basic::CSng((h - y) / h * range + m_minValue));
-        } else if (y <= 0) {
+        } else if (y <= 0) { // the track's top
             m_mouseLocked = true;
             setValue(m_maxValue);
         } else if (y > h) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 class Dialogs;
+class Process;
 class QLabel;
 class QPainter;
 
@@ -20,7 +21,10 @@ class QPainter;
 class zzSlider : public QWidget {
     Q_OBJECT
 public:
-    explicit zzSlider(Dialogs &dialogs, QWidget *parent = nullptr);
+    // Errors the widget cannot hand back to a caller (those of its own mouse and
+    // key handlers) end the program through dialogs and process, like any
+    // uncaught run-time error.
+    zzSlider(Dialogs &dialogs, Process &process, QWidget *parent = nullptr);
 
     std::uint32_t BackColor() const { return m_backColor; }
     void setBackColor(std::uint32_t color);
@@ -106,6 +110,7 @@ private:
     QFont ambientFont() const;
 
     Dialogs &m_dialogs;
+    Process &m_process;
     QWidget *m_track = nullptr;
     QLabel *m_fill = nullptr;
     QWidget *m_pressedOn = nullptr; // the part a left press started on, for Click

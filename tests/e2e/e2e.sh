@@ -59,7 +59,8 @@ startup_offline)
   geometry=$(xdotool getwindowgeometry "$splash" | awk '/Geometry/ {print $2}')
   [ "$geometry" = "509x381" ] || fail "splash is $geometry, not 509x381"
   sleep 1.5
-  import -window root "$shots/splash.png" 2>/dev/null || true
+  eval "$(xdotool getwindowgeometry --shell "$splash")"
+  import -window root -crop "${WIDTH}x${HEIGHT}+${X}+${Y}" +repage "$shots/splash.png" 2>/dev/null || true
   mp3=$(wait_window $(( 7000 - ($(now_ms) - started) )) '^Mp3 Player$') || fail "no Mp3 panel within 7 s"
   echo "Mp3 panel after $(( $(now_ms) - started )) ms"
   visible '^Zarvent$' && fail "the splash is still showing"
@@ -111,13 +112,13 @@ INSIDE
   eval "$(xdotool getwindowgeometry --shell "$map")"
   sleep 0.5
   import -window root "$shots/map-screen.png" 2>/dev/null || true
-  import -window root -crop "${WIDTH}x${HEIGHT}+${X}+${Y}" "$shots/map.png" 2>/dev/null || true
+  import -window root -crop "${WIDTH}x${HEIGHT}+${X}+${Y}" +repage "$shots/map.png" 2>/dev/null || true
   xdotool mousemove $((X + 3)) $((Y + HEIGHT - 3))
   sleep 0.2
   under=$(xdotool getmouselocation --shell | awk -F= '/WINDOW/ {print $2}')
   [ "$under" != "$map" ] || fail "the corner outside the outline still belongs to the map"
-  # A click on the sea of the picture: the program's own message.
-  xdotool mousemove $((X + 480)) $((Y + 300)) click 1
+  # A click on land that no region covers: the program's own message.
+  xdotool mousemove $((X + 180)) $((Y + 50)) click 1
   box=$(wait_window 3000 '^Zarvent$') || fail "no message after a click outside the regions"
   import -window root "$shots/map-message.png" 2>/dev/null || true
   ;;
