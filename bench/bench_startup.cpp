@@ -5,16 +5,10 @@
 // writes one byte to a pipe once the splash's first paint is done. The
 // figure is fork to that byte: dynamic loading, X connection, pictures and all.
 
-#include "platform/AppInfo.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/Form.h"
-#include "platform/Forms.h"
 #include "platform/GuardedApplication.h"
-#include "platform/RealClock.h"
-#include "platform/RealConnection.h"
-#include "platform/RealDialogs.h"
-#include "platform/RealProcess.h"
-#include "platform/RealShell.h"
+#include "platform/RealPlatform.h"
 #include "shell/ShellForms.h"
 
 #include <QDir>
@@ -59,22 +53,15 @@ int child(char *argv0, int fd)
     char *qtArgv[] = {argv0, nullptr};
     GuardedApplication application(qtArgc, qtArgv);
     application.setQuitOnLastWindowClosed(false);
-    AppInfo app = AppInfo::forExecutable();
-    app.Path = QDir(app.Path).filePath(QStringLiteral("..")); // img/ sits beside the program, one up
-    application.setApplicationName(app.Title);
-    RealDialogs dialogs(app.Title);
-    RealConnection connection;
-    RealShell shell;
-    RealProcess process;
-    RealClock clock;
-    Forms forms;
-    Platform platform{app, dialogs, connection, shell, process, clock, forms};
-    application.setBoundary(dialogs, process);
-    defineForms(platform);
+    RealPlatform real;
+    real.app.Path = QDir(real.app.Path).filePath(QStringLiteral("..")); // img/ sits beside the program, one up
+    application.setApplicationName(real.app.Title);
+    application.setBoundary(real.dialogs, real.process);
+    defineForms(real.platform);
     FirstPaint watcher(fd);
-    boundary::run(dialogs, process, [&] {
-        forms.form(QStringLiteral("frmSplash"))->installEventFilter(&watcher);
-        forms.Show(QStringLiteral("frmSplash"));
+    boundary::run(real.dialogs, real.process, [&] {
+        real.forms.form(QStringLiteral("frmSplash"))->installEventFilter(&watcher);
+        real.forms.Show(QStringLiteral("frmSplash"));
     });
     return application.exec();
 }

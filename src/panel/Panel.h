@@ -3,25 +3,163 @@
 #include "panel/PanelTraits.h"
 #include "platform/Form.h"
 
+#include <memory>
+
+class AnimationSurface;
+class ClickLabel;
+class LocalEngine;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class StationEngine;
+class Timer;
+class zzSlider;
+
 // The player panel: one design, five instances told apart by their traits.
+// Geometry is kept in twips, exactly as the timers step it, and turned into
+// pixels only when it is applied.
 class Panel : public Form {
     Q_OBJECT
 public:
     Panel(Platform &platform, const PanelTraits &traits);
+    ~Panel() override;
 
     const PanelTraits &traits() const { return m_traits; }
+    bool isStation() const { return m_traits.isStation; }
 
     void Load() override;
 
-    // The panel's size once loaded, in twips.
-    static constexpr int LoadedWidth = 12841;
-    static constexpr int LoadedHeight = 4800;
+    // The panel's outer size in twips, as the movements step it.
+    double Width() const { return m_width; }
+    void setWidth(double twips);
+    double Height() const { return m_height; }
+    void setHeight(double twips);
+
+    // The moving title's left edge and its width, in twips.
+    double fNameLeft() const { return m_fNameLeft; }
+    void setfNameLeft(double twips);
+    double fNameWidth() const;
+    double fileHeight() const { return m_fileHeight; }
+
+    // Fields of the panel.
+    QString StationName;
+    bool PlayHot = false;
+    bool PreviousHot = false;
+    bool PauseHot = false;
+    bool NextHot = false;
+    bool StopHot = false;
+
+    // Engines: `player` in a station panel, `Player` in Mp3 (one of the two is null).
+    StationEngine *player() const { return m_player.get(); }
+    LocalEngine *Player() const { return m_localPlayer.get(); }
+    AnimationSurface *pstate() const { return m_pstate.get(); }
+
+    // Controls by role, named as on the form.
+    ClickLabel *Main;
+    QLabel *pls;
+    QFrame *file;
+    QFrame *Frame3; // "Invisibles": never shown
+    QLabel *cptn;
+    QLabel *fName;
+    QLabel *time;
+    QLineEdit *wdth1;
+    QLineEdit *wdth2;
+    QLineEdit *t3;
+    zzSlider *Slider1;
+    QLabel *dur1;
+    QLabel *dur2;
+    QLabel *dur3;
+    QPushButton *stss;
+    ClickLabel *play;
+    ClickLabel *pausel;
+    ClickLabel *stop;
+    ClickLabel *next;
+    ClickLabel *previous;
+    QLabel *ply, *plyp, *pause, *pausep, *stp, *stpp, *nxt, *nxtp, *pre, *prep;
+    ClickLabel *fm;
+    ClickLabel *ma;
+    ClickLabel *Label9;
+    ClickLabel *killme;
+    ClickLabel *Label1;
+    ClickLabel *Label2;
+    ClickLabel *Label6;
+    ClickLabel *Label7;
+    ClickLabel *Label8;
+    ClickLabel *Label10;
+    ClickLabel *Label12;
+    ClickLabel *Donate;
+
+    Timer *sts;
+    Timer *sts2;
+    Timer *Timer1;
+    Timer *Timer2;
+    Timer *Timer3;
+    Timer *hei1;
+    Timer *hei2;
+    Timer *scr1;
+    Timer *scr2;
+
+    // Procedures other parts call directly, as the design does.
+    void stss_Click();
+    void play_Click();
+    void next_Click();
+    void previous_Click();
+    void stop_Click();
+    void Label1_Click();
+    void Label2_Click();
+
+    static constexpr double ScrollOrigin = 10320;
+    static constexpr double LeftTurn = 1920;
+    static constexpr double NarrowLimit = 12885;
+    static constexpr double FoldLimit = 4800;
+    static constexpr double UnfoldLimit = 8100;
+    static constexpr double FoldedListHeight = 4380;
+    static constexpr double LoadedWidth = 12841;
+    static constexpr double LoadedHeight = 4800;
 
 protected:
+    bool keyPreview(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void buildSkin();
+    void buildTransport();
+    void buildNavigation();
+    void buildLayoutControls();
+    void buildTimers();
+    void connectHandlers();
+
+    // Status and transport (station panels).
+    void sts_Timer();
+    void sts2_Timer();
+    void Slider1_Change();
+    void Main_MouseMove();
+    void hover(ClickLabel *label, QLabel *lit, QLabel *pressed, bool *hot, bool *testedHot);
+
+    // Title scroller and layout animation.
+    void scr1_Timer();
+    void scr2_Timer();
+    void hei1_Timer();
+    void hei2_Timer();
+    void Timer2_Timer();
+    void Timer3_Timer();
+    void setfileHeight(double twips);
+    void setTitle(const QString &text);
+    void storeTurningPoint();
+
+    // Navigation and ending.
+    void fm_Click();
+    void Label9_Click();
+    void killme_Click();
     void Form_Unload();
 
     const PanelTraits &m_traits;
+    std::unique_ptr<StationEngine> m_player;
+    std::unique_ptr<LocalEngine> m_localPlayer;
+    std::unique_ptr<AnimationSurface> m_pstate;
+    double m_width = 0;
+    double m_height = 0;
+    double m_fNameLeft = ScrollOrigin;
+    double m_fileHeight = 7815;
 };

@@ -6,8 +6,11 @@ class Clock;
 class Connection;
 class Dialogs;
 class Forms;
+class InterfaceTable;
+class Media;
 class Process;
 class Shell;
+class Tray;
 
 struct Platform {
     AppInfo &app;
@@ -17,4 +20,7 @@ struct Platform {
     Process &process;
     Clock &clock;
     Forms &forms;
+    Tray &tray;
+    InterfaceTable &interfaces;
+    Media &media;
 };

@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QTextStream>
 #include <QUrl>
 
 #include <condition_variable>
@@ -166,12 +165,13 @@ bool RealConnection::connectedState()
 bool RealConnection::hasDefaultRoute(const QString &routeFile, bool ipv6)
 {
     QFile f(routeFile);
-    if (!f.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!f.open(QIODevice::ReadOnly))
         return false;
-    QTextStream in(&f);
+    // The kernel's tables report a size of 0: read to the end, not to the size.
+    const QList<QByteArray> lines = f.readAll().split('\n');
     bool first = true;
-    while (!in.atEnd()) {
-        const QStringList cols = in.readLine().split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    for (const QByteArray &line : lines) {
+        const QStringList cols = QString::fromLatin1(line).split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
         if (!ipv6 && first) { // IPv4 table has a header line
             first = false;
             continue;

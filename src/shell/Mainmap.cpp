@@ -9,7 +9,7 @@
 #include "platform/Process.h"
 #include "platform/Twips.h"
 #include "shell/MapOutline.h"
-#include "shell/Picture.h"
+#include "widgets/Picture.h"
 #include "widgets/ClickLabel.h"
 #include "widgets/GlowButton.h"
 

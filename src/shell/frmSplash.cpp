@@ -8,7 +8,7 @@
 #include "platform/Process.h"
 #include "platform/Shell.h"
 #include "platform/Twips.h"
-#include "shell/Picture.h"
+#include "widgets/Picture.h"
 #include "widgets/PropertyBag.h"
 #include "widgets/zzSlider.h"
 

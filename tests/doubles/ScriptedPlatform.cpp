@@ -66,7 +66,7 @@ void ManualClock::advance(int ms)
 }
 
 ScriptedPlatform::ScriptedPlatform()
-    : platform{app, dialogs, connection, shell, process, clock, forms}
+    : platform{app, dialogs, connection, shell, process, clock, forms, tray, interfaces, media}
 {
     app.Path = QStringLiteral(ZARVENT_RUNTIME_DIR); // where the build puts img/
 }

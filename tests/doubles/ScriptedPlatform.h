@@ -11,6 +11,9 @@
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/Shell.h"
+#include "doubles/ScriptedInterfaceTable.h"
+#include "doubles/ScriptedMedia.h"
+#include "doubles/ScriptedTray.h"
 
 #include <QList>
 #include <QStringList>
@@ -93,6 +96,9 @@ public:
     ScriptedShell shell;
     ScriptedProcess process;
     ManualClock clock;
-    Forms forms;
+    ScriptedTray tray;
+    ScriptedInterfaceTable interfaces;
+    ScriptedMedia media;
+    Forms forms; // after every seam: its forms go first
     Platform platform;
 };

@@ -6,6 +6,8 @@
 #   splash_keypress  a key on the splash ends the program and nothing else appears
 #   map_route        with the probe answered (a local server named example.com in a
 #                    private network namespace), the map appears in its outline
+#   map_region       the same namespace with a default route: the Tamil region opens
+#                    its panel, which settles folded and narrow; its Kill Me spot ends
 set -uo pipefail
 case_name=$1 program=$2 shots=$3
 mkdir -p "$shots"
@@ -52,6 +54,34 @@ start_offline() {
   started=$(now_ms)
 }
 
+# Runs the program in a private network namespace where example.com names a
+# local web server, so the start-up probe is answered. With "route", the
+# namespace also gets a default route, so the map's connection test passes.
+start_online() {
+  if [ "$(id -u)" -ne 0 ] || ! unshare -n -m true 2>/dev/null; then
+    echo "SKIP: needs root for a private network namespace"; exit 77
+  fi
+  local route_setup=""
+  if [ "$1" = route ]; then
+    route_setup="ip link add zv0 type veth peer name zv1; ip addr add 10.77.0.1/24 dev zv0; ip link set zv0 up; ip link set zv1 up; ip route add default via 10.77.0.2"
+  fi
+  cat >"$scratch/inside.sh" <<INSIDE
+set -e
+ip link set lo up
+$route_setup
+mount -t sysfs sysfs /sys # this namespace's interfaces, not the host's
+printf '127.0.0.1 localhost example.com\n' > "$scratch/hosts"
+mount --bind "$scratch/hosts" /etc/hosts
+mkdir -p "$scratch/www"; echo ok > "$scratch/www/index.html"
+(cd "$scratch/www" && exec timeout 60 python3 -m http.server 80 --bind 127.0.0.1) >"$scratch/http.log" 2>&1 &
+for i in \$(seq 1 50); do (exec 3<>/dev/tcp/127.0.0.1/80) 2>/dev/null && break; sleep 0.1; done
+exec "$program"
+INSIDE
+  unshare -n -m bash "$scratch/inside.sh" >"$scratch/out.log" 2>&1 &
+  pids+=($!)
+  started=$(now_ms)
+}
+
 case "$case_name" in
 startup_offline)
   start_offline
@@ -59,15 +89,15 @@ startup_offline)
   geometry=$(xdotool getwindowgeometry "$splash" | awk '/Geometry/ {print $2}')
   [ "$geometry" = "509x381" ] || fail "splash is $geometry, not 509x381"
   sleep 1.5
-  eval "$(xdotool getwindowgeometry --shell "$splash")"
-  import -window root -crop "${WIDTH}x${HEIGHT}+${X}+${Y}" +repage "$shots/splash.png" 2>/dev/null || true
+  import -window "$splash" "$shots/splash.png" 2>/dev/null || true
   mp3=$(wait_window $(( 7000 - ($(now_ms) - started) )) '^Mp3 Player$') || fail "no Mp3 panel within 7 s"
   echo "Mp3 panel after $(( $(now_ms) - started )) ms"
   visible '^Zarvent$' && fail "the splash is still showing"
   visible '^Form2$' && fail "the map showed without a network"
   geometry=$(xdotool getwindowgeometry "$mp3" | awk '/Geometry/ {print $2}')
-  [ "$geometry" = "856x320" ] || fail "Mp3 panel is $geometry, not 856x320"
+  [ "$geometry" = "856x319" ] || fail "Mp3 panel is $geometry, not folded and narrow (856x319)"
   kill -0 "${pids[0]}" 2>/dev/null || fail "the program ended"
+  import -window "$mp3" "$shots/mp3.png" 2>/dev/null || true
   ;;
 
 splash_keypress)
@@ -86,23 +116,7 @@ splash_keypress)
   ;;
 
 map_route)
-  if [ "$(id -u)" -ne 0 ] || ! unshare -n -m true 2>/dev/null; then
-    echo "SKIP: needs root for a private network namespace"; exit 77
-  fi
-  # Inside: loopback up, example.com naming it, a web server on port 80.
-  cat >"$scratch/inside.sh" <<INSIDE
-set -e
-ip link set lo up
-printf '127.0.0.1 localhost example.com\n' > "$scratch/hosts"
-mount --bind "$scratch/hosts" /etc/hosts
-mkdir -p "$scratch/www"; echo ok > "$scratch/www/index.html"
-(cd "$scratch/www" && exec timeout 60 python3 -m http.server 80 --bind 127.0.0.1) >"$scratch/http.log" 2>&1 &
-for i in \$(seq 1 50); do (exec 3<>/dev/tcp/127.0.0.1/80) 2>/dev/null && break; sleep 0.1; done
-exec "$program"
-INSIDE
-  unshare -n -m bash "$scratch/inside.sh" >"$scratch/out.log" 2>&1 &
-  pids+=($!)
-  started=$(now_ms)
+  start_online no_route
   map=$(wait_window 9000 '^Form2$') || { cat "$scratch/out.log"; fail "no map window"; }
   echo "map after $(( $(now_ms) - started )) ms"
   visible '^Mp3 Player$' && fail "the Mp3 panel showed with a network"
@@ -121,6 +135,27 @@ INSIDE
   xdotool mousemove $((X + 180)) $((Y + 50)) click 1
   box=$(wait_window 3000 '^Zarvent$') || fail "no message after a click outside the regions"
   import -window root "$shots/map-message.png" 2>/dev/null || true
+  ;;
+map_region)
+  start_online route
+  map=$(wait_window 9000 '^Form2$') || { cat "$scratch/out.log"; fail "no map window"; }
+  eval "$(xdotool getwindowgeometry --shell "$map")"
+  sleep 0.3
+  xdotool mousemove $((X + 270)) $((Y + 250)) click 1
+  panel=$(wait_window 3000 '^FM$') || { cat "$scratch/out.log"; fail "the Tamil region opened no panel"; }
+  visible '^Form2$' && fail "the map is still showing"
+  sleep 0.5
+  geometry=$(xdotool getwindowgeometry "$panel" | awk '/Geometry/ {print $2}')
+  [ "$geometry" = "856x319" ] || fail "the panel is $geometry, not folded and narrow (856x319)"
+  eval "$(xdotool getwindowgeometry --shell "$panel")"
+  import -window "$panel" "$shots/panel.png" 2>/dev/null || true
+  # Kill Me: the program ends at once.
+  xdotool mousemove $((X + 790)) $((Y + 100)) click 1
+  for _ in $(seq 1 40); do
+    kill -0 "${pids[0]}" 2>/dev/null || break
+    sleep 0.05
+  done
+  kill -0 "${pids[0]}" 2>/dev/null && fail "Kill Me did not end the program"
   ;;
 *)
   fail "unknown case $case_name"

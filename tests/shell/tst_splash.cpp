@@ -119,12 +119,13 @@ void tst_splash::routeFollowsTheProbe()
     s.sp.clock.advance(1);
     QVERIFY(s.sp.forms.isLoaded(shown));
     QVERIFY(s.sp.forms.form(shown)->isVisible());
-    QVERIFY(!s.sp.forms.isLoaded(notLoaded));
+    // Mp3's Load hides the map, which loads it; either way it is not shown.
+    QVERIFY(!s.sp.forms.isLoaded(notLoaded) || !s.sp.forms.form(notLoaded)->isVisible());
     QVERIFY(!s.splash->isVisible());
     QVERIFY(s.sp.dialogs.shown.isEmpty()); // offline says nothing
     if (shown == QLatin1String("Mp3")) {
         QCOMPARE(s.sp.forms.form(shown)->windowTitle(), QStringLiteral("Mp3 Player"));
-        QCOMPARE(s.sp.forms.form(shown)->size(), QSize(856, 320));
+        QCOMPARE(s.sp.forms.form(shown)->size(), QSize(856, 320)); // 4800 twips until its first tick folds it
     } else {
         QCOMPARE(s.sp.forms.form(shown)->windowTitle(), QStringLiteral("Form2"));
     }

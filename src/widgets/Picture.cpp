@@ -1,4 +1,4 @@
-#include "shell/Picture.h"
+#include "widgets/Picture.h"
 
 #include <QPainter>
 #include <QSvgRenderer>
@@ -6,9 +6,12 @@
 QPixmap loadPicture(const QString &path, const QSize &size)
 {
     QSvgRenderer renderer(path);
-    if (!renderer.isValid() || size.isEmpty())
+    if (!renderer.isValid())
         return QPixmap();
-    QPixmap pixmap(size);
+    const QSize drawn = size.isEmpty() ? renderer.defaultSize() : size;
+    if (drawn.isEmpty())
+        return QPixmap();
+    QPixmap pixmap(drawn);
     pixmap.fill(Qt::transparent);
     QPainter p(&pixmap);
     renderer.render(&p);

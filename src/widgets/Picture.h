@@ -7,4 +7,5 @@
 // A form's background picture, drawn from one of our SVG files at the form's
 // size. A missing or broken file gives an empty pixmap: the form then shows
 // its background colour alone, as a picture that fails to load always did.
-QPixmap loadPicture(const QString &path, const QSize &size);
+// An empty size draws the picture at its own size.
+QPixmap loadPicture(const QString &path, const QSize &size = QSize());

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <array>
+#include <cstdint>
+#include <sys/stat.h>
+
+namespace music {
+
+// The numbered file slots of the process, as the runtime's FileLen, Open,
+// Get, Put, Seek, LOF and Close statements have them. A slot that is never
+// closed keeps its OS handle until the process ends, exactly as a forgotten
+// Close would; no handle is held anywhere but here.
+//
+// Offsets count from 0. A negative offset is the runtime's record number
+// below 1 and fails with error 63; reading past the end is no failure and
+// gives zero bytes. Every failure is a basic::RuntimeError.
+//
+// Within a Batch the OS work of one file is shared: its length and kind are
+// asked once, and a slot opened for reading takes a handle the batch already
+// holds for that file instead of opening it again. Every Open and Close
+// still happens in the table with all its failures; only the system calls
+// behind them are saved. A caller wraps one call of its own in a batch, for
+// which the file is taken to stay what it was.
+class FileSlots {
+public:
+    enum Access { Read, Write };
+
+    static constexpr int FirstSlot = 1;
+    static constexpr int LastSlot = 255;
+
+    class Batch {
+    public:
+        explicit Batch(FileSlots &table);
+        ~Batch();
+        Batch(const Batch &) = delete;
+        Batch &operator=(const Batch &) = delete;
+
+    private:
+        FileSlots &m_slots;
+    };
+
+    FileSlots() = default;
+    ~FileSlots();
+    FileSlots(const FileSlots &) = delete;
+    FileSlots &operator=(const FileSlots &) = delete;
+
+    // The one table of the process.
+    static FileSlots &process();
+
+    // Length of a file by its path; 53 when the system cannot tell.
+    std::int64_t FileLen(const QString &path);
+
+    // The lowest slot that is free (error 67 when none is).
+    int FreeFile() const;
+
+    // Opens a regular file for byte access; the file is never created or
+    // cut. 52 for a bad slot number or path, 55 when the slot is taken,
+    // 53 when the file is missing, 75 when it is refused or not a file.
+    void Open(int slot, const QString &path, Access access);
+
+    // A slot that is not open is left alone, as the runtime does.
+    void Close(int slot);
+
+    // Closes every slot: the runtime's Reset statement. The program itself
+    // never calls it; the fuzzer does, so that each input starts afresh.
+    void Reset();
+
+    bool IsOpen(int slot) const;
+
+    // Length of the open file: the length known at its open, moved on by
+    // the slot's own writes.
+    std::int64_t LOF(int slot) const;
+
+    void Get(int slot, std::int64_t offset, unsigned char *into, std::int64_t count);
+
+    void Seek(int slot, std::int64_t offset);
+
+    // Writes at the slot's position and moves it on.
+    void Put(int slot, const unsigned char *from, std::int64_t count);
+
+private:
+    struct Slot {
+        int fd = -1;
+        bool borrowed = false; // the fd is the batch's, not the slot's
+        Access access = Read;
+        std::int64_t position = 0;
+        std::int64_t length = 0;
+    };
+
+    // What the running batch knows of the one file it works on.
+    struct Known {
+        QByteArray name;
+        bool asked = false;
+        int error = 0; // errno of the length query, 0 when it answered
+        struct stat st {};
+        int readFd = -1;
+        // The last bytes of the file, where the tag routines read twice.
+        std::array<unsigned char, 128> tail{};
+        bool tailRead = false;
+    };
+
+    const Slot &openSlot(int slot) const;
+    Slot &openSlot(int slot);
+    const Known &ask(const QByteArray &name);
+    void forget();
+
+    std::array<Slot, LastSlot + 1> m_slots{};
+    int m_batchDepth = 0;
+    Known m_known;
+};
+
+} // namespace music

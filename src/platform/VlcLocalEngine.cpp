@@ -1,0 +1,311 @@
+#include "platform/VlcLocalEngine.h"
+
+#include <QMetaObject>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr libvlc_event_e Watched[] = {
+    libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerBuffering, libvlc_MediaPlayerPlaying,
+    libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped, libvlc_MediaPlayerEndReached,
+    libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged, libvlc_MediaPlayerLengthChanged,
+    libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
+};
+
+bool running(libvlc_state_t state)
+{
+    return state == libvlc_Playing || state == libvlc_Paused;
+}
+
+void stopUnlessFinished(std::atomic<int> &state)
+{
+    int now = state.load();
+    while (now != libvlc_Ended && now != libvlc_Error && !state.compare_exchange_weak(now, libvlc_Stopped)) {
+    }
+}
+
+} // namespace
+
+VlcLocalEngine::VlcLocalEngine(VlcInstancePtr instance)
+    : m_instance(std::move(instance))
+{
+    if (!m_instance)
+        return;
+    m_player.reset(libvlc_media_player_new(m_instance.get()));
+    if (!m_player)
+        return;
+    m_events = libvlc_media_player_event_manager(m_player.get());
+    for (libvlc_event_e type : Watched)
+        libvlc_event_attach(m_events, type, &VlcLocalEngine::onEvent, this);
+}
+
+VlcLocalEngine::~VlcLocalEngine()
+{
+    // Detach first: libvlc holds the event lock while it calls out, so no
+    // callback runs into a half-destroyed engine after this.
+    if (m_events) {
+        for (libvlc_event_e type : Watched)
+            libvlc_event_detach(m_events, type, &VlcLocalEngine::onEvent, this);
+    }
+    if (m_player)
+        libvlc_media_player_stop(m_player.get());
+    m_player.reset();
+    m_media.reset();
+}
+
+void VlcLocalEngine::setFileName(const QString &file)
+{
+    m_file = file;
+    if (!m_player)
+        return;
+    m_watchOutput = false;
+    libvlc_media_player_stop(m_player.get());
+    libvlc_media_player_set_media(m_player.get(), nullptr);
+    m_media.reset();
+    m_state = libvlc_NothingSpecial;
+    m_timeMs = 0;
+    m_lengthMs = 0;
+    m_pendingSeekMs = -1;
+    if (file.isEmpty())
+        return;
+    const QByteArray utf8 = file.toUtf8();
+    m_media.reset(file.contains(QLatin1String("://")) ? libvlc_media_new_location(m_instance.get(), utf8.constData())
+                                                      : libvlc_media_new_path(m_instance.get(), utf8.constData()));
+    if (!m_media) {
+        m_state = libvlc_Error;
+        return;
+    }
+    libvlc_media_player_set_media(m_player.get(), m_media.get());
+    start();
+}
+
+void VlcLocalEngine::start()
+{
+    // libvlc keeps an input that ended until it is stopped, and play alone
+    // does nothing then.
+    libvlc_media_player_stop(m_player.get());
+    m_state = libvlc_Opening;
+    m_timeMs = 0;
+    m_watchOutput = true;
+    if (libvlc_media_player_play(m_player.get()) != 0)
+        m_state = libvlc_Error;
+}
+
+int VlcLocalEngine::PlayState() const
+{
+    return playStateOf(static_cast<libvlc_state_t>(m_state.load()), m_player && m_media);
+}
+
+int VlcLocalEngine::playStateOf(libvlc_state_t state, bool hasFile)
+{
+    if (!hasFile)
+        return 6;
+    switch (state) {
+    case libvlc_NothingSpecial:
+        return 0;
+    case libvlc_Opening:
+    case libvlc_Buffering:
+        return 3;
+    case libvlc_Playing:
+        return 2;
+    case libvlc_Paused:
+        return 1;
+    case libvlc_Stopped:
+    case libvlc_Ended:
+        return 0;
+    case libvlc_Error:
+        return 6;
+    }
+    return 6;
+}
+
+double VlcLocalEngine::CurrentPosition() const
+{
+    if (!running(static_cast<libvlc_state_t>(m_state.load())))
+        return 0;
+    return static_cast<double>(std::max<qint64>(0, m_timeMs.load())) / 1000.0;
+}
+
+void VlcLocalEngine::setCurrentPosition(double seconds)
+{
+    if (!m_player || !m_media || !std::isfinite(seconds))
+        return;
+    const qint64 ms = std::llround(std::max(0.0, seconds) * 1000.0);
+    if (running(static_cast<libvlc_state_t>(m_state.load()))) {
+        // A stream without length cannot seek; its position stays as it is.
+        if (!libvlc_media_player_is_seekable(m_player.get()))
+            return;
+        libvlc_media_player_set_time(m_player.get(), ms);
+        m_timeMs = ms; // read back at once, as the control did
+    } else {
+        // Not running yet (or any more): the next start begins there.
+        m_pendingSeekMs = ms;
+    }
+}
+
+double VlcLocalEngine::Duration() const
+{
+    return static_cast<double>(std::max<qint64>(0, m_lengthMs.load())) / 1000.0;
+}
+
+void VlcLocalEngine::Play()
+{
+    if (!m_player || !m_media)
+        return;
+    switch (static_cast<libvlc_state_t>(m_state.load())) {
+    case libvlc_Paused:
+        libvlc_media_player_set_pause(m_player.get(), 0);
+        m_state = libvlc_Playing;
+        break;
+    case libvlc_Playing:
+    case libvlc_Opening:
+    case libvlc_Buffering:
+        break;
+    case libvlc_Ended:
+    case libvlc_Error:
+    case libvlc_NothingSpecial:
+    case libvlc_Stopped:
+        start();
+        break;
+    }
+}
+
+void VlcLocalEngine::Pause()
+{
+    if (!m_player || static_cast<libvlc_state_t>(m_state.load()) != libvlc_Playing)
+        return;
+    if (!libvlc_media_player_can_pause(m_player.get()))
+        return;
+    libvlc_media_player_set_pause(m_player.get(), 1);
+    m_state = libvlc_Paused;
+}
+
+void VlcLocalEngine::Stop()
+{
+    if (!m_player || !m_media)
+        return;
+    m_watchOutput = false;
+    libvlc_media_player_stop(m_player.get());
+    m_state = libvlc_Stopped;
+    m_timeMs = 0;
+}
+
+void VlcLocalEngine::setMute(bool mute)
+{
+    m_mute = mute;
+    applyAudio();
+}
+
+void VlcLocalEngine::setVolume(long volume)
+{
+    m_volume = volume;
+    applyAudio();
+}
+
+int VlcLocalEngine::volumePercent(long hundredthsDb)
+{
+    if (hundredthsDb >= 0)
+        return 100;
+    return static_cast<int>(std::lround(100.0 * std::pow(10.0, static_cast<double>(hundredthsDb) / 2000.0)));
+}
+
+VlcAudioTap &VlcLocalEngine::countDecodedAudio()
+{
+    if (m_player)
+        m_tap.attach(m_player.get());
+    return m_tap;
+}
+
+// libvlc drops a volume or mute given while it has no sound output, and an
+// output that starts may bring its own: both are given again at each start.
+void VlcLocalEngine::applyAudio()
+{
+    if (!m_player)
+        return;
+    libvlc_audio_set_volume(m_player.get(), volumePercent(m_volume.load()));
+    libvlc_audio_set_mute(m_player.get(), m_mute.load() ? 1 : 0);
+}
+
+void VlcLocalEngine::applyPendingSeek()
+{
+    if (m_pendingSeekMs < 0 || !m_player || libvlc_media_player_get_state(m_player.get()) != libvlc_Playing)
+        return;
+    if (libvlc_media_player_is_seekable(m_player.get())) {
+        libvlc_media_player_set_time(m_player.get(), m_pendingSeekMs);
+        m_timeMs = m_pendingSeekMs;
+    }
+    m_pendingSeekMs = -1;
+}
+
+void VlcLocalEngine::queueStarted()
+{
+    QMetaObject::invokeMethod(this, [this] {
+        applyAudio();
+        applyPendingSeek();
+    }, Qt::QueuedConnection);
+}
+
+// Runs on libvlc's threads: it only moves atomics and queues work. Calling
+// libvlc from here (stop, play, release) would deadlock it.
+void VlcLocalEngine::onEvent(const libvlc_event_t *event, void *opaque)
+{
+    auto *self = static_cast<VlcLocalEngine *>(opaque);
+    switch (event->type) {
+    case libvlc_MediaPlayerNothingSpecial:
+        self->m_state = libvlc_NothingSpecial;
+        break;
+    case libvlc_MediaPlayerOpening:
+        self->m_state = libvlc_Opening;
+        self->m_filled = false;
+        break;
+    case libvlc_MediaPlayerBuffering:
+        // The sound output exists once the cache is full: the first moment
+        // a volume given to libvlc sticks.
+        if (event->u.media_player_buffering.new_cache >= 100 && !self->m_filled.exchange(true))
+            QMetaObject::invokeMethod(self, [self] { self->applyAudio(); }, Qt::QueuedConnection);
+        break;
+    case libvlc_MediaPlayerPlaying:
+        self->m_state = libvlc_Playing;
+        self->queueStarted();
+        break;
+    case libvlc_MediaPlayerPaused:
+        self->m_state = libvlc_Paused;
+        break;
+    case libvlc_MediaPlayerStopped:
+        // libvlc says Stopped also when an input that ended or failed goes
+        // away; that stays Ended (0) or Error (6). A stop of ours sets
+        // Stopped itself.
+        stopUnlessFinished(self->m_state);
+        break;
+    case libvlc_MediaPlayerEndReached:
+        // Ended, not stopped: nothing else starts by itself.
+        self->m_state = libvlc_Ended;
+        break;
+    case libvlc_MediaPlayerEncounteredError:
+        self->m_state = libvlc_Error;
+        break;
+    case libvlc_MediaPlayerTimeChanged:
+        self->m_timeMs = event->u.media_player_time_changed.new_time;
+        break;
+    case libvlc_MediaPlayerLengthChanged:
+        // A live stream has none (-1 or 0): Duration stays 0.
+        self->m_lengthMs = std::max<libvlc_time_t>(0, event->u.media_player_length_changed.new_length);
+        break;
+    case libvlc_MediaPlayerAudioVolume:
+        // The first output of a start that reports another volume than ours
+        // gets ours once more; later changes from outside are left alone.
+        if (std::abs(event->u.media_player_audio_volume.volume * 100 - volumePercent(self->m_volume.load())) > 0.5f
+            && self->m_watchOutput.exchange(false))
+            QMetaObject::invokeMethod(self, [self] { self->applyAudio(); }, Qt::QueuedConnection);
+        break;
+    case libvlc_MediaPlayerMuted:
+    case libvlc_MediaPlayerUnmuted:
+        if ((event->type == libvlc_MediaPlayerMuted) != self->m_mute.load() && self->m_watchOutput.exchange(false))
+            QMetaObject::invokeMethod(self, [self] { self->applyAudio(); }, Qt::QueuedConnection);
+        break;
+    default:
+        break;
+    }
+}

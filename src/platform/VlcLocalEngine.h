@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/LocalEngine.h"
+#include "platform/VlcAudioTap.h"
+#include "platform/VlcHandles.h"
+
+#include <QObject>
+
+#include <atomic>
+
+// The Mp3 panel's engine on a plain libvlc media player. libvlc's threads
+// only move the atomics below; anything that calls back into libvlc is
+// handed to the thread this object lives in.
+class VlcLocalEngine : public QObject, public LocalEngine {
+    Q_OBJECT
+public:
+    // A null instance (libvlc did not start) gives an engine that opens
+    // nothing and reports 6.
+    explicit VlcLocalEngine(VlcInstancePtr instance);
+    ~VlcLocalEngine() override;
+
+    QString FileName() const override { return m_file; }
+    void setFileName(const QString &file) override;
+    int PlayState() const override;
+    double CurrentPosition() const override;
+    void setCurrentPosition(double seconds) override;
+    double Duration() const override;
+    void Play() override;
+    void Pause() override;
+    void Stop() override;
+    bool Mute() const override { return m_mute.load(); }
+    void setMute(bool mute) override;
+    long Volume() const override { return m_volume.load(); }
+    void setVolume(long volume) override;
+
+    // The one mapping from libvlc's state to PlayState.
+    static int playStateOf(libvlc_state_t state, bool hasFile);
+    // Hundredths of a decibel to libvlc's percent: 100 * 10^(v / 2000),
+    // 0 dB and above at 100.
+    static int volumePercent(long hundredthsDb);
+
+    // Replaces the sound output with a counter of decoded audio. Call it
+    // before the first FileName.
+    VlcAudioTap &countDecodedAudio();
+
+private:
+    static void onEvent(const libvlc_event_t *event, void *opaque);
+    void start();
+    void applyAudio();
+    void applyPendingSeek();
+    void queueStarted();
+
+    VlcInstancePtr m_instance;
+    VlcAudioTap m_tap;
+    VlcPtr<libvlc_media_player_t> m_player;
+    VlcPtr<libvlc_media_t> m_media;
+    libvlc_event_manager_t *m_events = nullptr;
+
+    QString m_file;
+    std::atomic<long> m_volume{0};
+    std::atomic<bool> m_mute{false};
+    qint64 m_pendingSeekMs = -1; // Qt thread only
+
+    std::atomic<int> m_state{libvlc_NothingSpecial};
+    std::atomic<qint64> m_timeMs{0};
+    std::atomic<qint64> m_lengthMs{0};
+    std::atomic<bool> m_watchOutput{false};
+    std::atomic<bool> m_filled{false};
+};

@@ -1,0 +1,262 @@
+#include "platform/VlcStationEngine.h"
+
+#include <QMetaObject>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr libvlc_event_e Watched[] = {
+    libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerBuffering,
+    libvlc_MediaPlayerPlaying, libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped,
+    libvlc_MediaPlayerEndReached, libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged,
+    libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
+};
+
+// Network caching is how much sound libvlc holds before it starts. An
+// Icecast server sends seconds of sound at once on connect, so there the
+// start is set by the server whatever the value; a server that sends no
+// burst makes the listener wait the whole caching time (libvlc's default
+// 1000 ms measured 1030 ms to the first audio, 300 ms measured 325 ms). 300 ms
+// starts such a stream within the panel's 350 ms target, and libvlc raises
+// its delay by itself when a stream arrives late, so a slow network costs a
+// short gap, not silence.
+const QByteArray CachingOption = QByteArrayLiteral(":network-caching=")
+                                 + QByteArray::number(VlcStationEngine::NetworkCachingMs);
+
+void stopUnlessFinished(std::atomic<int> &state)
+{
+    int now = state.load();
+    while (now != libvlc_Ended && now != libvlc_Error && !state.compare_exchange_weak(now, libvlc_Stopped)) {
+    }
+}
+
+} // namespace
+
+VlcStationEngine::VlcStationEngine(VlcInstancePtr instance)
+    : m_instance(std::move(instance))
+{
+    if (!m_instance)
+        return;
+    m_player.reset(libvlc_media_player_new(m_instance.get()));
+    m_listPlayer.reset(libvlc_media_list_player_new(m_instance.get()));
+    if (!m_player || !m_listPlayer) {
+        m_listPlayer.reset();
+        m_player.reset();
+        return;
+    }
+    libvlc_media_list_player_set_media_player(m_listPlayer.get(), m_player.get());
+    m_events = libvlc_media_player_event_manager(m_player.get());
+    for (libvlc_event_e type : Watched)
+        libvlc_event_attach(m_events, type, &VlcStationEngine::onEvent, this);
+}
+
+VlcStationEngine::~VlcStationEngine()
+{
+    // No callback may run into a half-destroyed engine: detach first (libvlc
+    // holds the event lock while it calls out, so none runs after this).
+    if (m_events) {
+        for (libvlc_event_e type : Watched)
+            libvlc_event_detach(m_events, type, &VlcStationEngine::onEvent, this);
+    }
+    if (m_listPlayer)
+        libvlc_media_list_player_stop(m_listPlayer.get());
+    m_listPlayer.reset();
+    m_player.reset();
+}
+
+void VlcStationEngine::setURL(const QString &url)
+{
+    m_url = url;
+    if (!m_listPlayer)
+        return;
+    m_watchOutput = false;
+    libvlc_media_list_player_stop(m_listPlayer.get());
+    m_opened = false;
+    m_state = libvlc_NothingSpecial;
+    m_buffering = 0;
+    m_timeMs = -1;
+    if (url.isEmpty())
+        return;
+
+    const QByteArray utf8 = url.toUtf8();
+    VlcPtr<libvlc_media_t> media(url.contains(QLatin1String("://"))
+                                     ? libvlc_media_new_location(m_instance.get(), utf8.constData())
+                                     : libvlc_media_new_path(m_instance.get(), utf8.constData()));
+    VlcPtr<libvlc_media_list_t> list(libvlc_media_list_new(m_instance.get()));
+    if (!media || !list) {
+        m_state = libvlc_Error;
+        return;
+    }
+    libvlc_media_add_option(media.get(), CachingOption.constData());
+    libvlc_media_list_lock(list.get());
+    libvlc_media_list_add_media(list.get(), media.get());
+    libvlc_media_list_unlock(list.get());
+    libvlc_media_list_player_set_media_list(m_listPlayer.get(), list.get());
+
+    m_opened = true;
+    m_state = libvlc_Opening;
+    m_watchOutput = true;
+    // By index: a new list does not reset the list player's place, and a
+    // bare play would restart the previous media.
+    if (libvlc_media_list_player_play_item_at_index(m_listPlayer.get(), 0) != 0)
+        m_state = libvlc_Error;
+}
+
+int VlcStationEngine::playState() const
+{
+    if (!m_player)
+        return 0;
+    return playStateOf(static_cast<libvlc_state_t>(m_state.load()), m_buffering.load(), m_opened.load());
+}
+
+int VlcStationEngine::playStateOf(libvlc_state_t state, float bufferingPercent, bool opened)
+{
+    switch (state) {
+    case libvlc_NothingSpecial:
+        return opened ? 10 : 0;
+    case libvlc_Opening:
+        return 9;
+    case libvlc_Buffering:
+        return 6;
+    case libvlc_Playing:
+        // libvlc 3 says Playing as soon as the source is open and fills its
+        // cache after that: the listener hears nothing until 100.
+        return bufferingPercent < 100 ? 6 : 3;
+    case libvlc_Paused:
+        return 2;
+    case libvlc_Stopped:
+        return 1;
+    case libvlc_Ended:
+        return 8;
+    case libvlc_Error:
+        return 0;
+    }
+    return 0;
+}
+
+void VlcStationEngine::stop()
+{
+    if (!m_listPlayer)
+        return;
+    m_watchOutput = false;
+    libvlc_media_list_player_stop(m_listPlayer.get());
+    // Also when nothing played: the engine says stopped after a stop.
+    m_state = libvlc_Stopped;
+    m_timeMs = -1;
+}
+
+QString VlcStationEngine::currentPositionString() const
+{
+    const auto state = static_cast<libvlc_state_t>(m_state.load());
+    if (state != libvlc_Playing && state != libvlc_Paused)
+        return QString();
+    // Playing before libvlc's first time report is at the start.
+    return positionText(std::max<qint64>(0, m_timeMs.load()));
+}
+
+QString VlcStationEngine::positionText(qint64 ms)
+{
+    if (ms < 0)
+        return QString();
+    const qint64 seconds = ms / 1000;
+    return QStringLiteral("%1:%2").arg(seconds / 60, 2, 10, QLatin1Char('0')).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+void VlcStationEngine::setMute(bool mute)
+{
+    m_mute = mute;
+    applyAudio();
+}
+
+void VlcStationEngine::setVolume(int volume)
+{
+    m_volume = std::clamp(volume, 0, 100);
+    applyAudio();
+}
+
+VlcAudioTap &VlcStationEngine::countDecodedAudio()
+{
+    if (m_player)
+        m_tap.attach(m_player.get());
+    return m_tap;
+}
+
+// libvlc drops a volume or mute given while it has no sound output (it
+// answers -1, "no active audio output"), and an output that starts may bring
+// its own: so both are given again once playback starts.
+void VlcStationEngine::applyAudio()
+{
+    if (!m_player)
+        return;
+    libvlc_audio_set_volume(m_player.get(), m_volume.load());
+    libvlc_audio_set_mute(m_player.get(), m_mute.load() ? 1 : 0);
+}
+
+void VlcStationEngine::queueApplyAudio()
+{
+    QMetaObject::invokeMethod(this, [this] { applyAudio(); }, Qt::QueuedConnection);
+}
+
+// Runs on libvlc's threads: it only moves atomics and queues work. Calling
+// libvlc from here (stop, play, release) would deadlock it.
+void VlcStationEngine::onEvent(const libvlc_event_t *event, void *opaque)
+{
+    auto *self = static_cast<VlcStationEngine *>(opaque);
+    switch (event->type) {
+    case libvlc_MediaPlayerNothingSpecial:
+        self->m_state = libvlc_NothingSpecial;
+        break;
+    case libvlc_MediaPlayerOpening:
+        self->m_state = libvlc_Opening;
+        self->m_buffering = 0;
+        self->m_timeMs = -1;
+        break;
+    case libvlc_MediaPlayerBuffering:
+        // The sound output exists once the cache is full: the first moment
+        // a volume given to libvlc sticks.
+        if (event->u.media_player_buffering.new_cache >= 100 && self->m_buffering.exchange(100) < 100)
+            self->queueApplyAudio();
+        else
+            self->m_buffering = event->u.media_player_buffering.new_cache;
+        break;
+    case libvlc_MediaPlayerPlaying:
+        self->m_state = libvlc_Playing;
+        self->queueApplyAudio();
+        break;
+    case libvlc_MediaPlayerPaused:
+        self->m_state = libvlc_Paused;
+        break;
+    case libvlc_MediaPlayerStopped:
+        // libvlc says Stopped also when an input that ended or failed goes
+        // away; that is still Ended (8) or Error to the panel. A stop of
+        // ours sets Stopped itself.
+        stopUnlessFinished(self->m_state);
+        break;
+    case libvlc_MediaPlayerEndReached:
+        self->m_state = libvlc_Ended;
+        break;
+    case libvlc_MediaPlayerEncounteredError:
+        self->m_state = libvlc_Error;
+        break;
+    case libvlc_MediaPlayerTimeChanged:
+        self->m_timeMs = event->u.media_player_time_changed.new_time;
+        break;
+    case libvlc_MediaPlayerAudioVolume:
+        // The first output of a start that reports another volume than ours
+        // (a sound server restoring its own) gets ours once more; later
+        // changes from outside are left alone.
+        if (std::abs(event->u.media_player_audio_volume.volume * 100 - self->m_volume.load()) > 0.5f
+            && self->m_watchOutput.exchange(false))
+            self->queueApplyAudio();
+        break;
+    case libvlc_MediaPlayerMuted:
+    case libvlc_MediaPlayerUnmuted:
+        if ((event->type == libvlc_MediaPlayerMuted) != self->m_mute.load() && self->m_watchOutput.exchange(false))
+            self->queueApplyAudio();
+        break;
+    default:
+        break;
+    }
+}
