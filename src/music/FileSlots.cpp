@@ -78,10 +78,11 @@ void readAt(int fd, std::int64_t offset, unsigned char *into, std::int64_t count
 
 } // namespace
 
-FileSlots::Batch::Batch(FileSlots &table)
+FileSlots::Batch::Batch(FileSlots &table, Access expected)
     : m_slots(table)
 {
-    ++m_slots.m_batchDepth;
+    if (m_slots.m_batchDepth++ == 0)
+        m_slots.m_batchAccess = expected;
 }
 
 FileSlots::Batch::~Batch()
@@ -102,12 +103,29 @@ FileSlots &FileSlots::process()
     return table;
 }
 
-const FileSlots::Known &FileSlots::ask(const QByteArray &name)
+FileSlots::Known &FileSlots::ask(const QByteArray &name)
 {
     if (!m_known.asked || m_known.name != name) {
         forget();
         m_known.name = name;
         m_known.asked = true;
+        if (m_batchAccess == Read) {
+            int fd;
+            do
+                fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+            while (fd < 0 && errno == EINTR);
+            if (fd >= 0 && ::fstat(fd, &m_known.st) == 0) {
+                m_known.readFd = fd;
+                return m_known;
+            }
+            if (fd >= 0)
+                ::close(fd);
+            else if (errno == ENOENT || errno == ENOTDIR) {
+                m_known.error = errno;
+                return m_known;
+            }
+            // Unreadable, or the like: the length query may still answer.
+        }
         m_known.error = ::stat(name.constData(), &m_known.st) == 0 ? 0 : errno;
     }
     return m_known;
@@ -116,12 +134,15 @@ const FileSlots::Known &FileSlots::ask(const QByteArray &name)
 void FileSlots::forget()
 {
     // A slot still reading through the batch's handle (one left open by a
-    // failure) takes it over; a second such slot gets a copy of its own.
+    // failure) takes it over; a second such slot gets a copy of its own
+    // (or, should the system refuse the copy, ends up closed).
     if (m_known.readFd >= 0) {
         bool handedOver = false;
-        for (Slot &s : m_slots) {
+        for (int n = FirstSlot; m_borrowers > 0 && n <= LastSlot; ++n) {
+            Slot &s = m_slots[n];
             if (!s.borrowed)
                 continue;
+            --m_borrowers;
             s.borrowed = false;
             if (handedOver)
                 s.fd = ::fcntl(m_known.readFd, F_DUPFD_CLOEXEC, 0);
@@ -133,11 +154,20 @@ void FileSlots::forget()
     m_known = Known{};
 }
 
+const QByteArray &FileSlots::nativeName(const QString &path)
+{
+    if (path != m_lastPath) {
+        m_lastName = QFile::encodeName(path);
+        m_lastPath = path;
+    }
+    return m_lastName;
+}
+
 std::int64_t FileSlots::FileLen(const QString &path)
 {
     if (!validPath(path))
         basic::raise(basic::FileNotFound);
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = nativeName(path);
     if (m_batchDepth > 0) {
         const Known &k = ask(name);
         if (k.error != 0)
@@ -164,10 +194,10 @@ void FileSlots::Open(int slot, const QString &path, Access access)
         basic::raise(basic::BadFileNameOrNumber);
     if (m_slots[slot].fd >= 0)
         basic::raise(basic::FileAlreadyOpen);
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = nativeName(path);
 
     if (m_batchDepth > 0) {
-        Known &k = const_cast<Known &>(ask(name));
+        Known &k = ask(name);
         if (k.error != 0)
             raiseOpenError(k.error);
         if (!S_ISREG(k.st.st_mode))
@@ -176,6 +206,7 @@ void FileSlots::Open(int slot, const QString &path, Access access)
             if (k.readFd < 0)
                 k.readFd = openFile(name, Read);
             m_slots[slot] = Slot{k.readFd, true, Read, 0, k.st.st_size};
+            ++m_borrowers;
         } else {
             m_slots[slot] = Slot{openFile(name, Write), false, Write, 0, k.st.st_size};
         }
@@ -196,7 +227,9 @@ void FileSlots::Close(int slot)
     if (!validNumber(slot))
         basic::raise(basic::BadFileNameOrNumber);
     Slot &s = m_slots[slot];
-    if (s.fd >= 0 && !s.borrowed)
+    if (s.borrowed)
+        --m_borrowers;
+    else if (s.fd >= 0)
         ::close(s.fd);
     s = Slot{};
 }

@@ -31,9 +31,12 @@ public:
     static constexpr int FirstSlot = 1;
     static constexpr int LastSlot = 255;
 
+    // A batch that expects to read asks the system by opening the file for
+    // reading at the first question, since its Open follows anyway; one that
+    // expects to write asks for the length alone.
     class Batch {
     public:
-        explicit Batch(FileSlots &table);
+        explicit Batch(FileSlots &table, Access expected = Read);
         ~Batch();
         Batch(const Batch &) = delete;
         Batch &operator=(const Batch &) = delete;
@@ -104,12 +107,17 @@ private:
 
     const Slot &openSlot(int slot) const;
     Slot &openSlot(int slot);
-    const Known &ask(const QByteArray &name);
+    const QByteArray &nativeName(const QString &path);
+    Known &ask(const QByteArray &name);
     void forget();
 
     std::array<Slot, LastSlot + 1> m_slots{};
     int m_batchDepth = 0;
+    Access m_batchAccess = Read;
+    int m_borrowers = 0; // slots reading through the batch's handle
     Known m_known;
+    QString m_lastPath;
+    QByteArray m_lastName;
 };
 
 } // namespace music

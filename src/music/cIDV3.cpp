@@ -8,7 +8,9 @@
 #include "music/ListControl.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <type_traits>
 
 using basic::Integer;
 using basic::Long;
@@ -103,6 +105,46 @@ constexpr std::array<Integer, 15> Mpeg1Layer3 = {0, 32, 40, 48, 56, 64, 80, 96, 
 constexpr std::array<Integer, 15> Mpeg2Layer1 = {0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256};
 constexpr std::array<Integer, 15> Mpeg2Layer23 = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
 
+// A piece of InfoString: text, or a number in plain decimal.
+template <class Part>
+void append(QString &to, const Part &part)
+{
+    if constexpr (std::is_integral_v<Part>) {
+        char digits[24];
+        const char *end = std::to_chars(digits, digits + sizeof digits, part).ptr;
+        to += QLatin1String(digits, end - digits);
+    } else if constexpr (std::is_same_v<Part, QString>) {
+        to += part;
+    } else {
+        to += QLatin1String(part);
+    }
+}
+
+// The bitrate key: the decimal text of the version followed by that of the
+// layer, taken as a number.
+Long joinedDecimals(Integer version, Integer layer)
+{
+    char digits[16];
+    char *end = std::to_chars(digits, digits + sizeof digits, version).ptr;
+    end = std::to_chars(end, digits + sizeof digits, layer).ptr;
+    long long key = 0;
+    std::from_chars(digits, end, key);
+    return basic::narrow<Long>(key);
+}
+
+// The version in the picture "#.0"; only version 1 ever gets this far, so
+// the text is made once and kept.
+QString versionText(Integer version)
+{
+    static Integer lastVersion = 1;
+    static QString lastText = basic::formatNumber(1, u"#.0");
+    if (version != lastVersion) {
+        lastText = basic::formatNumber(version, u"#.0");
+        lastVersion = version;
+    }
+    return lastText;
+}
+
 const std::array<QString, 4> &modeRow()
 {
     static const std::array<QString, 4> row = {QStringLiteral("Stereo"), QStringLiteral("Joint Stereo"),
@@ -170,7 +212,7 @@ void cIDV3::setGenre(Long value)
 
 bool cIDV3::ClearTag()
 {
-    const music::FileSlots::Batch batch(fileSlots());
+    const music::FileSlots::Batch batch(fileSlots(), music::FileSlots::Write);
     bool exists = false;
     FileExists(m_filename, exists);
     if (!exists)
@@ -301,7 +343,7 @@ void cIDV3::ReadMpegInfo()
     // Key 255 is reached by no version and layer, and its second test
     // could never win over the first: kept as it stands.
     Long key = 0;
-    next([&] { key = (QString::number(m_MpegVersion) + QString::number(m_LayerVersion)).toInt(); });
+    next([&] { key = joinedDecimals(m_MpegVersion, m_LayerVersion); });
     const std::array<Integer, 15> *bitrates = nullptr;
     if (key == 11)
         bitrates = &Mpeg1Layer1;
@@ -333,21 +375,20 @@ void cIDV3::ReadMpegInfo()
         m_Seconds = basic::narrow<Integer>(static_cast<long long>(std::floor(exact)));
     });
 
-    const QLatin1String crlf("\r\n");
+    // Ten lines, numbers in plain decimal, no line end behind the last.
     QString info;
-    info.reserve(200);
-    info += QLatin1String("Size: ") + QString::number(m_FileBytes) + QLatin1String(" bytes") + crlf;
-    info += QLatin1String("Length: ") + QString::number(m_Seconds) + QLatin1String(" seconds") + crlf;
-    info += QLatin1String("MPEG ") + basic::formatNumber(m_MpegVersion, u"#.0") + QLatin1String(" layer ")
-        + QString::number(m_LayerVersion) + crlf;
-    info += QString::number(m_Kbits) + QLatin1String("kbit, ") + QString::number(m_Frames) + QLatin1String(" frames")
-        + crlf;
-    info += QString::number(m_Hz) + QLatin1String("hz ") + m_Mode + crlf;
-    info += QLatin1String("Private: ") + m_PrivateBit + crlf;
-    info += QLatin1String("CRCs: ") + m_CRCs + crlf;
-    info += QLatin1String("Copyrighted: ") + m_Copyrighted + crlf;
-    info += QLatin1String("Original: ") + m_Original + crlf;
-    info += QLatin1String("Emphasis: ") + m_Emphasis;
+    info.reserve(256);
+    const auto add = [&info](const auto &...parts) { (append(info, parts), ...); };
+    add("Size: ", m_FileBytes, " bytes\r\n");
+    add("Length: ", m_Seconds, " seconds\r\n");
+    add("MPEG ", versionText(m_MpegVersion), " layer ", m_LayerVersion, "\r\n");
+    add(m_Kbits, "kbit, ", m_Frames, " frames\r\n");
+    add(m_Hz, "hz ", m_Mode, "\r\n");
+    add("Private: ", m_PrivateBit, "\r\n");
+    add("CRCs: ", m_CRCs, "\r\n");
+    add("Copyrighted: ", m_Copyrighted, "\r\n");
+    add("Original: ", m_Original, "\r\n");
+    add("Emphasis: ", m_Emphasis);
     m_InfoString = info;
 }
 
@@ -400,7 +441,7 @@ bool cIDV3::HasTag()
 
 bool cIDV3::WriteTag()
 {
-    const music::FileSlots::Batch batch(fileSlots());
+    const music::FileSlots::Batch batch(fileSlots(), music::FileSlots::Write);
     bool exists = false;
     FileExists(m_filename, exists);
     if (!exists)
@@ -475,9 +516,13 @@ Long cIDV3::BitsToLong(QStringView bits)
     // Weights count from the right end; a 1 in the 32nd place overflows.
     const qsizetype n = bits.size();
     Long value = 0;
-    for (qsizetype i = 1; i <= n; ++i)
-        if (bits[i - 1] == u'1')
-            value = basic::CLng(static_cast<double>(value) + std::ldexp(1.0, static_cast<int>(n - i)));
+    for (qsizetype i = 1; i <= n; ++i) {
+        if (bits[i - 1] != u'1')
+            continue;
+        if (n - i > 31)
+            basic::raise(basic::Overflow);
+        value = basic::narrow<Long>(static_cast<long long>(value) + (1LL << (n - i)));
+    }
     return value;
 }
 
