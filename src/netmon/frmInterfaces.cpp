@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
 
 #include <cmath>
@@ -136,6 +137,20 @@ const Row Rows[21] = {
 };
 // clang-format on
 
+// A list cell shows its text up to the first zero character, as the native
+// list did; the text itself stays as it was written (row 1 holds the raw
+// 512-character name, so the cell shows its first character).
+class UpToZeroDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QString displayText(const QVariant &value, const QLocale &locale) const override
+    {
+        const QString text = QStyledItemDelegate::displayText(value, locale);
+        const qsizetype zero = text.indexOf(QChar(0));
+        return zero < 0 ? text : text.left(zero);
+    }
+};
+
 template <class W>
 W *named(W *widget, const char *name)
 {
@@ -151,6 +166,11 @@ frmInterfaces::frmInterfaces(Platform &platform)
     setWindowTitle(QStringLiteral("Network Interfaces Information"));
     resize(twips::toPixels(6480), twips::toPixels(7245));
     setMouseTracking(true); // the tray's messages and real mouse moves share one handler
+    // The geometry was laid out for an 8-point sans serif; a larger default
+    // font would not fit the labels.
+    QFont font(QStringLiteral("Arial"), 8);
+    font.setStyleHint(QFont::SansSerif);
+    setFont(font);
 
     Frame1 = named(new QGroupBox(QStringLiteral("&Select Interface"), this), "Frame1");
     twips::place(Frame1, 120, 120, 4935, 615);
@@ -162,6 +182,7 @@ frmInterfaces::frmInterfaces(Platform &platform)
     lvInterfaceInfo = named(new QTreeWidget(Frame2), "lvInterfaceInfo");
     twips::place(lvInterfaceInfo, 120, 240, 4695, 4935);
     lvInterfaceInfo->setRootIsDecorated(false);
+    lvInterfaceInfo->setItemDelegate(new UpToZeroDelegate(lvInterfaceInfo));
     lvInterfaceInfo->setColumnCount(0);
 
     Frame3 = named(new QGroupBox(QStringLiteral("Traffic Summary"), this), "Frame3");
@@ -222,7 +243,8 @@ void frmInterfaces::Load()
         new QTreeWidgetItem(lvInterfaceInfo, {QLatin1String(row.parameter), QString()});
 
     mIpHelper = std::make_unique<CIpHelper>(platform().interfaces, platform().dialogs);
-    for (const CInterfaces::Record &item : *mIpHelper->Interfaces())
+    const std::shared_ptr<CInterfaces> interfaces = mIpHelper->Interfaces();
+    for (const CInterfaces::Record &item : *interfaces)
         Combo1->addItem(item->InterfaceDescription());
 
     // The first refresh comes here, before the icon exists: its modify call

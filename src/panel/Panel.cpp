@@ -254,6 +254,8 @@ void Panel::connectHandlers()
     if (ma)
         on(ma, &ClickLabel::Click, [this] { fm_Click(); });
     on(killme, &ClickLabel::Click, [this] { killme_Click(); });
+    // Not modal: the panel goes on behind it, and it never calls back.
+    on(Label12, &ClickLabel::Click, [this] { platform().forms.Show(QStringLiteral("frmInterfaces")); });
 
     hover(previous, pre, prep, &PreviousHot, &PreviousHot);
     hover(play, ply, plyp, &PlayHot, &PlayHot);

@@ -77,11 +77,14 @@ std::uint32_t operationalStatus(std::uint8_t operState, std::uint32_t flags)
     }
 }
 
-// Bits per second from sysfs' Mb/s; 0 where the kernel has no figure.
-std::uint32_t speedOf(const QByteArray &name)
+// Bits per second from sysfs' Mb/s; 0 where the kernel has no figure. The
+// path is walked from /sys/class/net, held open, which halves the lookups.
+std::uint32_t speedOf(int classNet, const QByteArray &name)
 {
-    const QByteArray path = QByteArrayLiteral("/sys/class/net/") + name + QByteArrayLiteral("/speed");
-    Fd fd(::open(path.constData(), O_RDONLY | O_CLOEXEC));
+    if (classNet < 0)
+        return 0;
+    const QByteArray path = name + QByteArrayLiteral("/speed");
+    Fd fd(::openat(classNet, path.constData(), O_RDONLY | O_CLOEXEC));
     if (fd.get() < 0)
         return 0;
     char text[32];
@@ -181,6 +184,8 @@ RealInterfaceTable::~RealInterfaceTable()
 {
     if (m_fd >= 0)
         ::close(m_fd);
+    if (m_classNet >= 0)
+        ::close(m_classNet);
 }
 
 std::uint32_t RealInterfaceTable::GetIfTable(std::uint8_t *buffer, std::uint32_t *size, bool sorted)
@@ -196,6 +201,7 @@ std::uint32_t RealInterfaceTable::GetIfTable(std::uint8_t *buffer, std::uint32_t
         if (::bind(fd.get(), reinterpret_cast<const sockaddr *>(&local), sizeof local) < 0)
             return NotSupported;
         m_fd = fd.release();
+        m_classNet = ::open("/sys/class/net", O_PATH | O_DIRECTORY | O_CLOEXEC);
     }
 
     std::vector<Link> links;
@@ -214,7 +220,7 @@ std::uint32_t RealInterfaceTable::GetIfTable(std::uint8_t *buffer, std::uint32_t
     std::memset(buffer, 0, static_cast<std::size_t>(needed));
     put32(buffer, 0, links.size());
     for (std::size_t i = 0; i < links.size(); ++i)
-        pack(links[i], buffer + 4 + i * RowSize);
+        pack(links[i], speedOf(m_classNet, links[i].name), buffer + 4 + i * RowSize);
     *size = static_cast<std::uint32_t>(needed);
     return NoError;
 }
@@ -283,7 +289,7 @@ bool RealInterfaceTable::dumpOnce(std::vector<Link> &links, bool &interrupted)
     }
 }
 
-void RealInterfaceTable::pack(const Link &link, std::uint8_t *at)
+void RealInterfaceTable::pack(const Link &link, std::uint32_t speed, std::uint8_t *at)
 {
     // wszName: 16-bit characters, little-endian, with room for a terminator.
     const QString wide = QString::fromUtf8(link.name).left(255);
@@ -295,7 +301,7 @@ void RealInterfaceTable::pack(const Link &link, std::uint8_t *at)
     put32(at, row::dwIndex, link.index);
     put32(at, row::dwType, interfaceType(link.arpType));
     put32(at, row::dwMtu, link.mtu);
-    put32(at, row::dwSpeed, speedOf(link.name));
+    put32(at, row::dwSpeed, speed);
     const auto physLen = static_cast<std::size_t>(std::min<qsizetype>(link.address.size(), 8));
     put32(at, row::dwPhysAddrLen, physLen);
     std::memcpy(at + row::bPhysAddr, link.address.constData(), physLen);

@@ -59,9 +59,10 @@ public:
 private:
     bool dump(std::vector<Link> &links);
     bool dumpOnce(std::vector<Link> &links, bool &interrupted);
-    static void pack(const Link &link, std::uint8_t *row);
+    static void pack(const Link &link, std::uint32_t speed, std::uint8_t *row);
 
-    int m_fd = -1; // the route socket, opened on first use and kept
+    int m_fd = -1;       // the route socket, opened on first use and kept
+    int m_classNet = -1; // /sys/class/net, opened with it
     std::uint32_t m_seq = 0;
     std::vector<std::uint64_t> m_space; // receive buffer, kept between dumps
 };

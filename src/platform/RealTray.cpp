@@ -52,10 +52,13 @@ bool RealTray::notifyIcon(int command, const NotifyIconData &data)
     default:
         return false;
     }
-    if (data.uFlags & 2)
+    // The traffic window modifies its icon five times a second; the desktop
+    // is asked to redraw only what really changed.
+    if ((data.uFlags & 2) && icon->icon().cacheKey() != data.hIcon.cacheKey())
         icon->setIcon(data.hIcon);
-    if (data.uFlags & 4)
+    if ((data.uFlags & 4) && icon->toolTip() != data.tipText())
         icon->setToolTip(data.tipText());
-    icon->show();
+    if (!icon->isVisible())
+        icon->show();
     return true;
 }

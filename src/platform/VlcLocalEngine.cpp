@@ -8,7 +8,7 @@
 namespace {
 
 constexpr libvlc_event_e Watched[] = {
-    libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerBuffering, libvlc_MediaPlayerPlaying,
+    libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerPlaying,
     libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped, libvlc_MediaPlayerEndReached,
     libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged, libvlc_MediaPlayerLengthChanged,
     libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
@@ -36,6 +36,10 @@ VlcLocalEngine::VlcLocalEngine(VlcInstancePtr instance)
     m_player.reset(libvlc_media_player_new(m_instance.get()));
     if (!m_player)
         return;
+    m_output.setPlayer(m_player.get(), [this] {
+        const int state = m_state.load();
+        return state == libvlc_Opening || state == libvlc_Playing || state == libvlc_Paused;
+    });
     m_events = libvlc_media_player_event_manager(m_player.get());
     for (libvlc_event_e type : Watched)
         libvlc_event_attach(m_events, type, &VlcLocalEngine::onEvent, this);
@@ -49,6 +53,8 @@ VlcLocalEngine::~VlcLocalEngine()
         for (libvlc_event_e type : Watched)
             libvlc_event_detach(m_events, type, &VlcLocalEngine::onEvent, this);
     }
+    m_output.stopped();
+    m_output.setPlayer(nullptr, {});
     if (m_player)
         libvlc_media_player_stop(m_player.get());
     m_player.reset();
@@ -60,7 +66,7 @@ void VlcLocalEngine::setFileName(const QString &file)
     m_file = file;
     if (!m_player)
         return;
-    m_watchOutput = false;
+    m_output.stopped();
     libvlc_media_player_stop(m_player.get());
     libvlc_media_player_set_media(m_player.get(), nullptr);
     m_media.reset();
@@ -88,9 +94,10 @@ void VlcLocalEngine::start()
     libvlc_media_player_stop(m_player.get());
     m_state = libvlc_Opening;
     m_timeMs = 0;
-    m_watchOutput = true;
     if (libvlc_media_player_play(m_player.get()) != 0)
         m_state = libvlc_Error;
+    else
+        m_output.started();
 }
 
 int VlcLocalEngine::PlayState() const
@@ -186,7 +193,7 @@ void VlcLocalEngine::Stop()
 {
     if (!m_player || !m_media)
         return;
-    m_watchOutput = false;
+    m_output.stopped();
     libvlc_media_player_stop(m_player.get());
     m_state = libvlc_Stopped;
     m_timeMs = 0;
@@ -194,14 +201,13 @@ void VlcLocalEngine::Stop()
 
 void VlcLocalEngine::setMute(bool mute)
 {
-    m_mute = mute;
-    applyAudio();
+    m_output.setMute(mute);
 }
 
 void VlcLocalEngine::setVolume(long volume)
 {
     m_volume = volume;
-    applyAudio();
+    m_output.setVolume(volumePercent(volume));
 }
 
 int VlcLocalEngine::volumePercent(long hundredthsDb)
@@ -218,16 +224,6 @@ VlcAudioTap &VlcLocalEngine::countDecodedAudio()
     return m_tap;
 }
 
-// libvlc drops a volume or mute given while it has no sound output, and an
-// output that starts may bring its own: both are given again at each start.
-void VlcLocalEngine::applyAudio()
-{
-    if (!m_player)
-        return;
-    libvlc_audio_set_volume(m_player.get(), volumePercent(m_volume.load()));
-    libvlc_audio_set_mute(m_player.get(), m_mute.load() ? 1 : 0);
-}
-
 void VlcLocalEngine::applyPendingSeek()
 {
     if (m_pendingSeekMs < 0 || !m_player || libvlc_media_player_get_state(m_player.get()) != libvlc_Playing)
@@ -237,14 +233,6 @@ void VlcLocalEngine::applyPendingSeek()
         m_timeMs = m_pendingSeekMs;
     }
     m_pendingSeekMs = -1;
-}
-
-void VlcLocalEngine::queueStarted()
-{
-    QMetaObject::invokeMethod(this, [this] {
-        applyAudio();
-        applyPendingSeek();
-    }, Qt::QueuedConnection);
 }
 
 // Runs on libvlc's threads: it only moves atomics and queues work. Calling
@@ -258,17 +246,12 @@ void VlcLocalEngine::onEvent(const libvlc_event_t *event, void *opaque)
         break;
     case libvlc_MediaPlayerOpening:
         self->m_state = libvlc_Opening;
-        self->m_filled = false;
-        break;
-    case libvlc_MediaPlayerBuffering:
-        // The sound output exists once the cache is full: the first moment
-        // a volume given to libvlc sticks.
-        if (event->u.media_player_buffering.new_cache >= 100 && !self->m_filled.exchange(true))
-            QMetaObject::invokeMethod(self, [self] { self->applyAudio(); }, Qt::QueuedConnection);
         break;
     case libvlc_MediaPlayerPlaying:
         self->m_state = libvlc_Playing;
-        self->queueStarted();
+        // A position given before the file could seek is taken now, on the
+        // engine's own thread.
+        QMetaObject::invokeMethod(self, [self] { self->applyPendingSeek(); }, Qt::QueuedConnection);
         break;
     case libvlc_MediaPlayerPaused:
         self->m_state = libvlc_Paused;
@@ -294,16 +277,9 @@ void VlcLocalEngine::onEvent(const libvlc_event_t *event, void *opaque)
         self->m_lengthMs = std::max<libvlc_time_t>(0, event->u.media_player_length_changed.new_length);
         break;
     case libvlc_MediaPlayerAudioVolume:
-        // The first output of a start that reports another volume than ours
-        // gets ours once more; later changes from outside are left alone.
-        if (std::abs(event->u.media_player_audio_volume.volume * 100 - volumePercent(self->m_volume.load())) > 0.5f
-            && self->m_watchOutput.exchange(false))
-            QMetaObject::invokeMethod(self, [self] { self->applyAudio(); }, Qt::QueuedConnection);
-        break;
     case libvlc_MediaPlayerMuted:
     case libvlc_MediaPlayerUnmuted:
-        if ((event->type == libvlc_MediaPlayerMuted) != self->m_mute.load() && self->m_watchOutput.exchange(false))
-            QMetaObject::invokeMethod(self, [self] { self->applyAudio(); }, Qt::QueuedConnection);
+        self->m_output.report(event);
         break;
     default:
         break;

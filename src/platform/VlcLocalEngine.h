@@ -3,6 +3,7 @@
 #include "platform/LocalEngine.h"
 #include "platform/VlcAudioTap.h"
 #include "platform/VlcHandles.h"
+#include "platform/VlcOutputSettings.h"
 
 #include <QObject>
 
@@ -28,9 +29,9 @@ public:
     void Play() override;
     void Pause() override;
     void Stop() override;
-    bool Mute() const override { return m_mute.load(); }
+    bool Mute() const override { return m_output.mute(); }
     void setMute(bool mute) override;
-    long Volume() const override { return m_volume.load(); }
+    long Volume() const override { return m_volume; }
     void setVolume(long volume) override;
 
     // The one mapping from libvlc's state to PlayState.
@@ -46,24 +47,20 @@ public:
 private:
     static void onEvent(const libvlc_event_t *event, void *opaque);
     void start();
-    void applyAudio();
     void applyPendingSeek();
-    void queueStarted();
 
     VlcInstancePtr m_instance;
     VlcAudioTap m_tap;
     VlcPtr<libvlc_media_player_t> m_player;
     VlcPtr<libvlc_media_t> m_media;
     libvlc_event_manager_t *m_events = nullptr;
+    VlcOutputSettings m_output;
 
     QString m_file;
-    std::atomic<long> m_volume{0};
-    std::atomic<bool> m_mute{false};
+    long m_volume = 0; // as given, hundredths of a dB
     qint64 m_pendingSeekMs = -1; // Qt thread only
 
     std::atomic<int> m_state{libvlc_NothingSpecial};
     std::atomic<qint64> m_timeMs{0};
     std::atomic<qint64> m_lengthMs{0};
-    std::atomic<bool> m_watchOutput{false};
-    std::atomic<bool> m_filled{false};
 };

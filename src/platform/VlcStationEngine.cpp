@@ -1,9 +1,6 @@
 #include "platform/VlcStationEngine.h"
 
-#include <QMetaObject>
-
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -37,6 +34,8 @@ void stopUnlessFinished(std::atomic<int> &state)
 VlcStationEngine::VlcStationEngine(VlcInstancePtr instance)
     : m_instance(std::move(instance))
 {
+    // Stored with the control and relied on by the panels: volume 50, mute off.
+    m_output.setVolume(50);
     if (!m_instance)
         return;
     m_player.reset(libvlc_media_player_new(m_instance.get()));
@@ -47,6 +46,12 @@ VlcStationEngine::VlcStationEngine(VlcInstancePtr instance)
         return;
     }
     libvlc_media_list_player_set_media_player(m_listPlayer.get(), m_player.get());
+    // Ended may be a playlist handing over to its first entry: only a
+    // failure or a stop ends the wait for a sound output.
+    m_output.setPlayer(m_player.get(), [this] {
+        const int state = m_state.load();
+        return state != libvlc_Error && state != libvlc_Stopped;
+    });
     m_events = libvlc_media_player_event_manager(m_player.get());
     for (libvlc_event_e type : Watched)
         libvlc_event_attach(m_events, type, &VlcStationEngine::onEvent, this);
@@ -60,6 +65,8 @@ VlcStationEngine::~VlcStationEngine()
         for (libvlc_event_e type : Watched)
             libvlc_event_detach(m_events, type, &VlcStationEngine::onEvent, this);
     }
+    m_output.stopped();
+    m_output.setPlayer(nullptr, {});
     if (m_listPlayer)
         libvlc_media_list_player_stop(m_listPlayer.get());
     m_listPlayer.reset();
@@ -71,7 +78,7 @@ void VlcStationEngine::setURL(const QString &url)
     m_url = url;
     if (!m_listPlayer)
         return;
-    m_watchOutput = false;
+    m_output.stopped();
     libvlc_media_list_player_stop(m_listPlayer.get());
     m_opened = false;
     m_state = libvlc_NothingSpecial;
@@ -97,11 +104,12 @@ void VlcStationEngine::setURL(const QString &url)
 
     m_opened = true;
     m_state = libvlc_Opening;
-    m_watchOutput = true;
     // By index: a new list does not reset the list player's place, and a
-    // bare play would restart the previous media.
-    if (libvlc_media_list_player_play_item_at_index(m_listPlayer.get(), 0) != 0)
-        m_state = libvlc_Error;
+    // bare play would restart the previous media. Its answer is not used:
+    // libvlc 3.0 answers -1 here even when the item plays; a source that
+    // fails says so by its events.
+    libvlc_media_list_player_play_item_at_index(m_listPlayer.get(), 0);
+    m_output.started();
 }
 
 int VlcStationEngine::playState() const
@@ -140,7 +148,7 @@ void VlcStationEngine::stop()
 {
     if (!m_listPlayer)
         return;
-    m_watchOutput = false;
+    m_output.stopped();
     libvlc_media_list_player_stop(m_listPlayer.get());
     // Also when nothing played: the engine says stopped after a stop.
     m_state = libvlc_Stopped;
@@ -164,39 +172,11 @@ QString VlcStationEngine::positionText(qint64 ms)
     return QStringLiteral("%1:%2").arg(seconds / 60, 2, 10, QLatin1Char('0')).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
-void VlcStationEngine::setMute(bool mute)
-{
-    m_mute = mute;
-    applyAudio();
-}
-
-void VlcStationEngine::setVolume(int volume)
-{
-    m_volume = std::clamp(volume, 0, 100);
-    applyAudio();
-}
-
 VlcAudioTap &VlcStationEngine::countDecodedAudio()
 {
     if (m_player)
         m_tap.attach(m_player.get());
     return m_tap;
-}
-
-// libvlc drops a volume or mute given while it has no sound output (it
-// answers -1, "no active audio output"), and an output that starts may bring
-// its own: so both are given again once playback starts.
-void VlcStationEngine::applyAudio()
-{
-    if (!m_player)
-        return;
-    libvlc_audio_set_volume(m_player.get(), m_volume.load());
-    libvlc_audio_set_mute(m_player.get(), m_mute.load() ? 1 : 0);
-}
-
-void VlcStationEngine::queueApplyAudio()
-{
-    QMetaObject::invokeMethod(this, [this] { applyAudio(); }, Qt::QueuedConnection);
 }
 
 // Runs on libvlc's threads: it only moves atomics and queues work. Calling
@@ -214,16 +194,10 @@ void VlcStationEngine::onEvent(const libvlc_event_t *event, void *opaque)
         self->m_timeMs = -1;
         break;
     case libvlc_MediaPlayerBuffering:
-        // The sound output exists once the cache is full: the first moment
-        // a volume given to libvlc sticks.
-        if (event->u.media_player_buffering.new_cache >= 100 && self->m_buffering.exchange(100) < 100)
-            self->queueApplyAudio();
-        else
-            self->m_buffering = event->u.media_player_buffering.new_cache;
+        self->m_buffering = event->u.media_player_buffering.new_cache;
         break;
     case libvlc_MediaPlayerPlaying:
         self->m_state = libvlc_Playing;
-        self->queueApplyAudio();
         break;
     case libvlc_MediaPlayerPaused:
         self->m_state = libvlc_Paused;
@@ -244,17 +218,9 @@ void VlcStationEngine::onEvent(const libvlc_event_t *event, void *opaque)
         self->m_timeMs = event->u.media_player_time_changed.new_time;
         break;
     case libvlc_MediaPlayerAudioVolume:
-        // The first output of a start that reports another volume than ours
-        // (a sound server restoring its own) gets ours once more; later
-        // changes from outside are left alone.
-        if (std::abs(event->u.media_player_audio_volume.volume * 100 - self->m_volume.load()) > 0.5f
-            && self->m_watchOutput.exchange(false))
-            self->queueApplyAudio();
-        break;
     case libvlc_MediaPlayerMuted:
     case libvlc_MediaPlayerUnmuted:
-        if ((event->type == libvlc_MediaPlayerMuted) != self->m_mute.load() && self->m_watchOutput.exchange(false))
-            self->queueApplyAudio();
+        self->m_output.report(event);
         break;
     default:
         break;

@@ -3,6 +3,7 @@
 #include "platform/StationEngine.h"
 #include "platform/VlcAudioTap.h"
 #include "platform/VlcHandles.h"
+#include "platform/VlcOutputSettings.h"
 
 #include <QObject>
 
@@ -25,10 +26,10 @@ public:
     int playState() const override;
     void stop() override;
     QString currentPositionString() const override;
-    bool mute() const override { return m_mute.load(); }
-    void setMute(bool mute) override;
-    int volume() const override { return m_volume.load(); }
-    void setVolume(int volume) override;
+    bool mute() const override { return m_output.mute(); }
+    void setMute(bool mute) override { m_output.setMute(mute); }
+    int volume() const override { return m_output.volume(); }
+    void setVolume(int volume) override { m_output.setVolume(volume); }
 
     // The one mapping from libvlc's state to playState. bufferingPercent is
     // the last cache fill libvlc reported since opening; opened says a media
@@ -46,23 +47,18 @@ public:
 
 private:
     static void onEvent(const libvlc_event_t *event, void *opaque);
-    void applyAudio();
-    void queueApplyAudio();
 
     VlcInstancePtr m_instance;
     VlcAudioTap m_tap;
     VlcPtr<libvlc_media_player_t> m_player;
     VlcPtr<libvlc_media_list_player_t> m_listPlayer;
     libvlc_event_manager_t *m_events = nullptr;
+    VlcOutputSettings m_output;
 
     QString m_url;
-    // Stored with the control and relied on by the panels: volume 50, mute off.
-    std::atomic<int> m_volume{50};
-    std::atomic<bool> m_mute{false};
 
     std::atomic<int> m_state{libvlc_NothingSpecial};
     std::atomic<float> m_buffering{0};
     std::atomic<qint64> m_timeMs{-1};
     std::atomic<bool> m_opened{false};
-    std::atomic<bool> m_watchOutput{false};
 };

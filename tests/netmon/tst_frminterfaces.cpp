@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSet>
+#include <QStyledItemDelegate>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -107,6 +108,12 @@ void tst_frminterfaces::loadAndFirstRefresh()
 
     // First refresh against the empty record: values, and zeros left blank.
     QCOMPARE(w.value(1).left(6), QString::fromLatin1("I\0n\0t\0", 6));
+    QCOMPARE(w.value(1).size(), 512);
+    // The cell shows its text up to the first zero, as the native list did.
+    auto *cells = qobject_cast<QStyledItemDelegate *>(f.lvInterfaceInfo->itemDelegate());
+    QVERIFY(cells);
+    QCOMPARE(cells->displayText(w.value(1), QLocale()), QStringLiteral("I"));
+    QCOMPARE(cells->displayText(QStringLiteral("Loopback"), QLocale()), QStringLiteral("Loopback"));
     QCOMPARE(w.value(2), QStringLiteral("7"));
     QCOMPARE(w.value(3), QStringLiteral("Ethernet"));
     QCOMPARE(w.value(4), QStringLiteral("1500"));

@@ -410,6 +410,14 @@ void tst_panel::waysOut()
     Panel *t = w.open("Tafm");
     t->close();
     QCOMPARE(w.sp.process.ends, 0);
+    // The traffic window opens beside the panel and leaves it as it is.
+    QByteArray table(4 + 860, '\0');
+    table[0] = 1; // one row, all zero
+    w.sp.interfaces.image = table;
+    a->Label12->Click();
+    QVERIFY(w.sp.dialogs.shown.isEmpty());
+    QVERIFY(w.sp.forms.form("frmInterfaces")->isVisible());
+    QVERIFY(a->isVisible());
     a->killme->Click();
     QCOMPARE(w.sp.process.ends, 1);
     Panel *m = w.open("Mp3");
