@@ -99,6 +99,8 @@ Panel::Panel(Platform &platform, const PanelTraits &traits)
     buildNavigation();
     buildTimers();
     connectHandlers();
+    buildStations();
+    buildLocalMusic();
 }
 
 Panel::~Panel() = default;

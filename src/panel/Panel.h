@@ -109,6 +109,12 @@ public:
     void Label1_Click();
     void Label2_Click();
 
+    // ---- Station selection (PanelStations.cpp) ----
+    // ---- end of station selection ----
+
+    // ---- Local music: list, playback, tag editor (PanelMusic.cpp, PanelTagEditor.cpp) ----
+    // ---- end of local music ----
+
     static constexpr double ScrollOrigin = 10320;
     static constexpr double LeftTurn = 1920;
     static constexpr double NarrowLimit = 12885;
@@ -129,6 +135,8 @@ private:
     void buildLayoutControls();
     void buildTimers();
     void connectHandlers();
+    void buildStations();   // PanelStations.cpp
+    void buildLocalMusic(); // PanelMusic.cpp
 
     // Status and transport (station panels).
     void sts_Timer();
