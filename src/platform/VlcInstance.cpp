@@ -35,7 +35,6 @@ VlcInstancePtr vlcInstance(const QStringList &options)
         qWarning("libvlc did not start with options %s", qPrintable(options.join(u' ')));
         return {};
     }
-    libvlc_set_user_agent(made.get(), "Zarvent", "Zarvent/3.0");
     VlcInstancePtr shared(std::move(made));
     s_instance = shared;
     s_options = options;

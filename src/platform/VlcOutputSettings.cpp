@@ -7,9 +7,9 @@
 
 namespace {
 
-// 20 ms steps for at most 15 s: an output usually comes within a second of
-// the start; a stream that takes longer still gets them, one that fails
-// stops the retries at once.
+// 20 ms steps for at most 15 s: an output comes within a second of the
+// start here. A source slower than that to sound keeps libvlc's level until
+// the next change; one that fails ends the retries at once.
 constexpr int RetryMs = 20;
 constexpr int MaxTries = 15000 / RetryMs;
 
