@@ -14,6 +14,7 @@
 #include "shell/ShellForms.h"
 
 #include <QDir>
+#include <QLabel>
 #include <QTimer>
 
 #include <cstdio>
@@ -81,6 +82,8 @@ int main(int argc, char **argv)
         std::printf("%s, %.0f s: CPU %.2f %% of one core, peak RSS %.1f MiB\n",
                     url.isEmpty() ? "map shown, five panels loaded and hidden" : "Tafm shown, tuned and scrolling",
                     wall, 100.0 * cpu / wall, u.ru_maxrss / 1024.0);
+        if (!url.isEmpty()) // what the status line said at the end, so a stalled stream is not taken for a quiet one
+            std::printf("  status: \"%s\"\n", qPrintable(real.forms.get<Panel>(QStringLiteral("Tafm"))->cptn->text()));
         std::fflush(stdout);
         std::_Exit(0);
     });

@@ -46,6 +46,10 @@ double Panel::fNameWidth() const
 
 void Panel::setTitle(const QString &text)
 {
+    // sts writes the title at every tick; the same text keeps the same size,
+    // so only a new text costs a layout.
+    if (text == fName->text() && !fName->text().isNull())
+        return;
     fName->setText(text);
     fName->adjustSize(); // the label sizes itself to its text, an empty one too
 }
