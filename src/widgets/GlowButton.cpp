@@ -1,5 +1,6 @@
 #include "widgets/GlowButton.h"
 
+#include "platform/OleColor.h"
 #include "platform/Twips.h"
 #include "widgets/ClickLabel.h"
 
@@ -42,6 +43,15 @@ void GlowButton::setBackColor(const QColor &c)
 void GlowButton::setForeColor(const QColor &c)
 {
     m_fore = c;
+    update();
+}
+
+void GlowButton::setStoredLook(const Look &look)
+{
+    m_look = look;
+    m_back = oleColor(look.bcol);
+    m_fore = oleColor(look.fcol);
+    setEnabled(look.enab);
     update();
 }
 

@@ -22,6 +22,27 @@ public:
     QColor ForeColor() const { return m_fore; }
     void setForeColor(const QColor &c);
 
+    // The property bag of the control as a form stores it. Colours are OLE
+    // colours (0x00BBGGRR); bcol and fcol give the plain look, enab the
+    // enabled state. The others are kept for what reads them back.
+    struct Look {
+        int btype = 0;
+        int coltype = 0;
+        quint32 bcol = 0x404040;
+        quint32 fcol = 0xFFFFFF;
+        quint32 fcolo = 0;
+        quint32 embossm = 0xC0C0C0;
+        quint32 embosss = 0xFFFFFF;
+        bool showf = true;
+        bool enab = true;
+        int style = 0;
+        int orient = 0;
+        int align = 1;
+        int bstyle = 0;
+    };
+    const Look &StoredLook() const { return m_look; }
+    void setStoredLook(const Look &look);
+
 signals:
     void Click();
     void MouseMove(int button, int shift, double x, double y);
@@ -41,4 +62,5 @@ private:
     bool m_pressed = false;
     QColor m_back{0x40, 0x40, 0x40};
     QColor m_fore{0xFF, 0xFF, 0xFF};
+    Look m_look;
 };
