@@ -91,15 +91,19 @@ QString formatNumber(double value, QStringView picture)
     if (intDigits == QLatin1String("0"))
         intDigits.clear();
 
-    // Integer part: placeholders take digits from the right.
+    // Integer part: placeholders take digits from the right. From the first
+    // "0" on, every placeholder shows a digit, so "0#" pads to two ("00").
     QString intText;
     qsizetype next = intDigits.size() - 1;
     qsizetype leftmost = -1;
-    for (qsizetype i = 0; i < intPicture.size(); ++i)
-        if (intPicture[i] == QLatin1Char('0') || intPicture[i] == QLatin1Char('#')) {
+    qsizetype firstZero = -1;
+    for (qsizetype i = 0; i < intPicture.size(); ++i) {
+        const bool placeholder = intPicture[i] == QLatin1Char('0') || intPicture[i] == QLatin1Char('#');
+        if (placeholder && leftmost < 0)
             leftmost = i;
-            break;
-        }
+        if (intPicture[i] == QLatin1Char('0') && firstZero < 0)
+            firstZero = i;
+    }
     for (qsizetype i = intPicture.size() - 1; i >= 0; --i) {
         const QChar c = intPicture[i];
         if (c == QLatin1Char('0') || c == QLatin1Char('#')) {
@@ -110,7 +114,7 @@ QString formatNumber(double value, QStringView picture)
                     piece.prepend(intDigits.left(next + 1));
                     next = -1;
                 }
-            } else if (c == QLatin1Char('0')) {
+            } else if (firstZero >= 0 && i >= firstZero) {
                 piece = QStringLiteral("0");
             }
             intText.prepend(piece);

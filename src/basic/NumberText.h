@@ -14,7 +14,8 @@ QString generalText(double value, int significant = 15);
 inline QString generalText(float value) { return generalText(static_cast<double>(value), 7); }
 
 // A number through a picture of digit placeholders, as the forms use them:
-// "0" a digit or a zero, "#" a digit or nothing, "." the decimal point, and
+// "0" a digit or a zero (and every placeholder after it likewise), "#" a
+// digit or nothing, "." the decimal point, and
 // any other character copied as it stands ("### ### ###"). Rounds halves
 // away from zero; digits beyond the leftmost placeholder all go there.
 QString formatNumber(double value, QStringView picture);

@@ -207,7 +207,7 @@ void Panel::buildTransport()
     play = spot(this, "play", 6120, 3225, 735, 855, QStringLiteral("Play"));
     pausel = spot(this, "pausel", 7080, 3240, 735, 735, QStringLiteral("Pause"));
     next = spot(this, "next", 8040, 3240, 855, 855, QStringLiteral("Next"));
-    pausel->setEnabled(false);
+    pausel->setEnabled(!isStation()); // a station has no pause
 }
 
 void Panel::buildNavigation()
@@ -326,13 +326,14 @@ bool Panel::keyPreview(QKeyEvent *event)
 {
     // Control alone: with Shift or Alt as well the keys do nothing.
     const Qt::KeyboardModifiers mods = event->modifiers() & ~Qt::KeypadModifier;
-    if (event->type() != QEvent::KeyPress || mods != Qt::ControlModifier || !isStation())
+    if (event->type() != QEvent::KeyPress || mods != Qt::ControlModifier)
         return false;
+    const bool station = isStation();
     switch (event->key()) {
-    case Qt::Key_P: guard([this] { play_Click(); }); return true;
-    case Qt::Key_N: guard([this] { next_Click(); }); return true;
-    case Qt::Key_R: guard([this] { previous_Click(); }); return true;
-    case Qt::Key_S: guard([this] { stop_Click(); }); return true;
+    case Qt::Key_P: guard([this, station] { station ? play_Click() : localPlay_Click(); }); return true;
+    case Qt::Key_N: guard([this, station] { station ? next_Click() : localNext_Click(); }); return true;
+    case Qt::Key_R: guard([this, station] { station ? previous_Click() : localPrevious_Click(); }); return true;
+    case Qt::Key_S: guard([this, station] { station ? stop_Click() : localStop_Click(); }); return true;
     default: return false;
     }
 }

@@ -110,9 +110,77 @@ public:
     void Label2_Click();
 
     // ---- Station selection (PanelStations.cpp) ----
+    // The station buttons in table order, children of `file`; empty in Mp3.
+    // (Elaborated names: this block keeps its own declarations.)
+    QList<class GlowButton *> stationButtons;
+    class GlowButton *stationButton(const QString &name) const; // null when the panel has none of that name
+    void SelectStation(const struct Station &station);
+    void stationTimer1_Timer(); // Timer1's handler in a station panel (Mp3 has its own)
     // ---- end of station selection ----
 
     // ---- Local music: list, playback, tag editor (PanelMusic.cpp, PanelTagEditor.cpp) ----
+    // The list `file` as its own type: Mp3 only, null in the station panels.
+    class FileList *fileList() const { return m_fileList; }
+    QString SelectedPath; // written by ShowSelectedTag; nothing reads it
+    QPushButton *files = nullptr;
+    QPushButton *flder = nullptr;
+    QPushButton *Command3 = nullptr; // keeps its state in its caption and the folder in "Tag"
+    QPushButton *Command4 = nullptr;
+    QPushButton *clk = nullptr; // Mp3 only, hidden
+    class CommonDialog *CMN() const { return m_cmn.get(); }
+
+    void file_Click(); // the start of a track
+    void clk_Click();
+    void ShowSelectedTag();
+    static QString FileTail(const QString &path);
+    void files_Click();
+    void flder_Click();
+    void Command3_Click();
+    void Command4_Click();
+    void fName_Change();
+
+    // Mp3's own transport handlers (the station panels' are play_Click and the rest).
+    void localPlay_Click();
+    void localPausel_Click();
+    void localStop_Click();
+    void localNext_Click();
+    void localPrevious_Click();
+    void Timer1_Timer();
+    void localSlider1_Change();
+    void Slider1_SliderScroll();
+
+    // The tag editor, in all five panels; it works in Mp3 only.
+    class QGroupBox *Frame2 = nullptr;
+    QGroupBox *mpeginfo = nullptr;
+    QLabel *lblInfo = nullptr;
+    QLabel *Label3 = nullptr;
+    QList<QLabel *> lblFields;
+    QLineEdit *txtFilename = nullptr;
+    QLineEdit *txtTitle = nullptr;
+    QLineEdit *txtArtist = nullptr;
+    QLineEdit *txtAlbum = nullptr;
+    QLineEdit *txtYear = nullptr;
+    QLineEdit *txtComment = nullptr;
+    class QComboBox *cboGenre = nullptr;
+    class GlowButton *cmdsave = nullptr;
+    GlowButton *cmdcancel = nullptr;
+    GlowButton *cmdremove = nullptr;
+    QPushButton *Command5 = nullptr; // hidden; its caption takes Save's status word
+    class cIDV3 *mTag() const { return m_mTag.get(); }
+
+    void Command5_Click();
+    void cmdsave_Click();
+    void cmdremove_Click();
+    void cmdcancel_Click();
+
+private:
+    void buildTagEditor();
+    cIDV3 &madeTag();
+    FileList *m_fileList = nullptr;
+    std::shared_ptr<CommonDialog> m_cmn;
+    std::shared_ptr<cIDV3> m_mTag; // made at first use, kept for the form's life
+
+public:
     // ---- end of local music ----
 
     static constexpr double ScrollOrigin = 10320;

@@ -1,5 +1,6 @@
 #include "shell/ShellForms.h"
 
+#include "music/Form1.h"
 #include "netmon/frmInterfaces.h"
 #include "panel/Panel.h"
 #include "platform/Forms.h"
@@ -13,6 +14,7 @@ void defineForms(Platform &platform)
     forms.define(QStringLiteral("frmSplash"), [&platform] { return std::make_unique<frmSplash>(platform); });
     forms.define(QStringLiteral("Form2"), [&platform] { return std::make_unique<Form2>(platform); });
     forms.define(QStringLiteral("Mainmap"), [&platform] { return std::make_unique<Mainmap>(platform); });
+    forms.define(QStringLiteral("Form1"), [&platform] { return std::make_unique<Form1>(platform); });
     forms.define(QStringLiteral("frmInterfaces"), [&platform] { return std::make_unique<frmInterfaces>(platform); });
     int count = 0;
     const PanelTraits *panels = allPanelTraits(&count);

@@ -148,7 +148,8 @@ void tst_runtime::numberPictures()
     QCOMPARE(formatNumber(-7.5, u"###"), QStringLiteral("-8"));
     QCOMPARE(formatNumber(123456, u"###"), QStringLiteral("123456"));
     QCOMPARE(formatNumber(5, u"0#"), QStringLiteral("05"));
-    QCOMPARE(formatNumber(0, u"0#"), QStringLiteral("0"));
+    QCOMPARE(formatNumber(0, u"0#"), QStringLiteral("00")); // 0.4 s reads "00:00"
+    QCOMPARE(formatNumber(0, u"#0"), QStringLiteral("0"));
     QCOMPARE(formatNumber(59.6, u"0#"), QStringLiteral("60"));
     QCOMPARE(formatNumber(125, u"0#"), QStringLiteral("125"));
     QCOMPARE(formatNumber(0, u"00"), QStringLiteral("00"));

@@ -80,7 +80,7 @@ void tst_panel::traitsOfTheFivePanels()
         QCOMPARE(p->player() != nullptr, p->isStation());
         QCOMPARE(p->Player() != nullptr, !p->isStation());
         QCOMPARE(p->pstate()->FileName(), w.sp.app.file("\\img\\play.gif"));
-        QVERIFY(!p->pausel->isEnabled());
+        QCOMPARE(p->pausel->isEnabled(), !p->isStation());
         p->Hide();
     }
 }
@@ -327,6 +327,11 @@ void tst_panel::keysNeedControlAlone()
     QTest::keyClick(p, Qt::Key_N, Qt::ControlModifier);
     QTest::keyClick(p, Qt::Key_R, Qt::ControlModifier);
     QCOMPARE(w.sp.dialogs.shown.size(), 3);
+
+    // Mp3 takes the same keys to its own transport.
+    Panel *mp3 = w.open("Mp3");
+    QTest::keyClick(mp3, Qt::Key_S, Qt::ControlModifier);
+    QVERIFY(w.sp.media.locals.first()->calls.contains(QStringLiteral("Stop")));
 }
 
 void tst_panel::hoverImagesAndTheStopQuirk()
