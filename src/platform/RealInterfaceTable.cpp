@@ -1,4 +1,5 @@
 #include "platform/RealInterfaceTable.h"
+#include "platform/MibIfRow.h"
 
 #include <QString>
 
@@ -38,14 +39,32 @@ private:
     int m_fd;
 };
 
-// Offsets of the row's fields: 860 bytes, packed, machine byte order.
+// Offsets of the row's fields, from the one layout the reader uses too.
 namespace row {
-constexpr std::size_t wszName = 0, dwIndex = 512, dwType = 516, dwMtu = 520, dwSpeed = 524, dwPhysAddrLen = 528,
-                      bPhysAddr = 532, dwAdminStatus = 540, dwOperStatus = 544, dwLastChange = 548, dwInOctets = 552,
-                      dwInUcastPkts = 556, dwInNUcastPkts = 560, dwInDiscards = 564, dwInErrors = 568,
-                      dwInUnknownProtos = 572, dwOutOctets = 576, dwOutUcastPkts = 580, dwOutNUcastPkts = 584,
-                      dwOutDiscards = 588, dwOutErrors = 592, dwOutQLen = 596, dwDescrLen = 600, bDescr = 604;
-static_assert(bDescr + 256 == InterfaceTable::RowSize);
+constexpr std::size_t wszName = offsetof(MIB_IFROW, wszName);
+constexpr std::size_t dwIndex = offsetof(MIB_IFROW, dwIndex);
+constexpr std::size_t dwType = offsetof(MIB_IFROW, dwType);
+constexpr std::size_t dwMtu = offsetof(MIB_IFROW, dwMtu);
+constexpr std::size_t dwSpeed = offsetof(MIB_IFROW, dwSpeed);
+constexpr std::size_t dwPhysAddrLen = offsetof(MIB_IFROW, dwPhysAddrLen);
+constexpr std::size_t bPhysAddr = offsetof(MIB_IFROW, bPhysAddr);
+constexpr std::size_t dwAdminStatus = offsetof(MIB_IFROW, dwAdminStatus);
+constexpr std::size_t dwOperStatus = offsetof(MIB_IFROW, dwOperStatus);
+constexpr std::size_t dwLastChange = offsetof(MIB_IFROW, dwLastChange);
+constexpr std::size_t dwInOctets = offsetof(MIB_IFROW, dwInOctets);
+constexpr std::size_t dwInUcastPkts = offsetof(MIB_IFROW, dwInUcastPkts);
+constexpr std::size_t dwInNUcastPkts = offsetof(MIB_IFROW, dwInNUcastPkts);
+constexpr std::size_t dwInDiscards = offsetof(MIB_IFROW, dwInDiscards);
+constexpr std::size_t dwInErrors = offsetof(MIB_IFROW, dwInErrors);
+constexpr std::size_t dwInUnknownProtos = offsetof(MIB_IFROW, dwInUnknownProtos);
+constexpr std::size_t dwOutOctets = offsetof(MIB_IFROW, dwOutOctets);
+constexpr std::size_t dwOutUcastPkts = offsetof(MIB_IFROW, dwOutUcastPkts);
+constexpr std::size_t dwOutNUcastPkts = offsetof(MIB_IFROW, dwOutNUcastPkts);
+constexpr std::size_t dwOutDiscards = offsetof(MIB_IFROW, dwOutDiscards);
+constexpr std::size_t dwOutErrors = offsetof(MIB_IFROW, dwOutErrors);
+constexpr std::size_t dwOutQLen = offsetof(MIB_IFROW, dwOutQLen);
+constexpr std::size_t dwDescrLen = offsetof(MIB_IFROW, dwDescrLen);
+constexpr std::size_t bDescr = offsetof(MIB_IFROW, bDescr);
 } // namespace row
 
 void put32(std::uint8_t *row, std::size_t at, std::uint64_t value)
