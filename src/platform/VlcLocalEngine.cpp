@@ -1,5 +1,7 @@
 #include "platform/VlcLocalEngine.h"
 
+#include "platform/VlcEvents.h"
+
 #include <QMetaObject>
 
 #include <algorithm>
@@ -7,23 +9,9 @@
 
 namespace {
 
-constexpr libvlc_event_e Watched[] = {
-    libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerPlaying,
-    libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped, libvlc_MediaPlayerEndReached,
-    libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged, libvlc_MediaPlayerLengthChanged,
-    libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
-};
-
 bool running(libvlc_state_t state)
 {
     return state == libvlc_Playing || state == libvlc_Paused;
-}
-
-void stopUnlessFinished(std::atomic<int> &state)
-{
-    int now = state.load();
-    while (now != libvlc_Ended && now != libvlc_Error && !state.compare_exchange_weak(now, libvlc_Stopped)) {
-    }
 }
 
 } // namespace
@@ -40,19 +28,19 @@ VlcLocalEngine::VlcLocalEngine(VlcInstancePtr instance)
         const int state = m_state.load();
         return state == libvlc_Opening || state == libvlc_Playing || state == libvlc_Paused;
     });
-    m_events = libvlc_media_player_event_manager(m_player.get());
-    for (libvlc_event_e type : Watched)
-        libvlc_event_attach(m_events, type, &VlcLocalEngine::onEvent, this);
+    m_events.attach(m_player.get(),
+                    {
+                        libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerPlaying,
+                        libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped, libvlc_MediaPlayerEndReached,
+                        libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged, libvlc_MediaPlayerLengthChanged,
+                        libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
+                    },
+                    &VlcLocalEngine::onEvent, this);
 }
 
 VlcLocalEngine::~VlcLocalEngine()
 {
-    // Detach first: libvlc holds the event lock while it calls out, so no
-    // callback runs into a half-destroyed engine after this.
-    if (m_events) {
-        for (libvlc_event_e type : Watched)
-            libvlc_event_detach(m_events, type, &VlcLocalEngine::onEvent, this);
-    }
+    m_events.detach(); // first: see VlcEventHook
     m_output.stopped();
     m_output.setPlayer(nullptr, {});
     if (m_player)

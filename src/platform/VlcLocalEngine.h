@@ -2,6 +2,7 @@
 
 #include "platform/LocalEngine.h"
 #include "platform/VlcAudioTap.h"
+#include "platform/VlcEvents.h"
 #include "platform/VlcHandles.h"
 #include "platform/VlcOutputSettings.h"
 
@@ -53,7 +54,7 @@ private:
     VlcAudioTap m_tap;
     VlcPtr<libvlc_media_player_t> m_player;
     VlcPtr<libvlc_media_t> m_media;
-    libvlc_event_manager_t *m_events = nullptr;
+    VlcEventHook m_events;
     VlcOutputSettings m_output;
 
     QString m_file;

@@ -1,15 +1,10 @@
 #include "platform/VlcStationEngine.h"
 
+#include "platform/VlcEvents.h"
+
 #include <algorithm>
 
 namespace {
-
-constexpr libvlc_event_e Watched[] = {
-    libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerBuffering,
-    libvlc_MediaPlayerPlaying, libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped,
-    libvlc_MediaPlayerEndReached, libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged,
-    libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
-};
 
 // Network caching is how much sound libvlc holds before it starts. An
 // Icecast server sends seconds of sound at once on connect, so there the
@@ -21,13 +16,6 @@ constexpr libvlc_event_e Watched[] = {
 // short gap, not silence.
 const QByteArray CachingOption = QByteArrayLiteral(":network-caching=")
                                  + QByteArray::number(VlcStationEngine::NetworkCachingMs);
-
-void stopUnlessFinished(std::atomic<int> &state)
-{
-    int now = state.load();
-    while (now != libvlc_Ended && now != libvlc_Error && !state.compare_exchange_weak(now, libvlc_Stopped)) {
-    }
-}
 
 } // namespace
 
@@ -52,19 +40,19 @@ VlcStationEngine::VlcStationEngine(VlcInstancePtr instance)
         const int state = m_state.load();
         return state != libvlc_Error && state != libvlc_Stopped;
     });
-    m_events = libvlc_media_player_event_manager(m_player.get());
-    for (libvlc_event_e type : Watched)
-        libvlc_event_attach(m_events, type, &VlcStationEngine::onEvent, this);
+    m_events.attach(m_player.get(),
+                    {
+                        libvlc_MediaPlayerNothingSpecial, libvlc_MediaPlayerOpening, libvlc_MediaPlayerBuffering,
+                        libvlc_MediaPlayerPlaying, libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped,
+                        libvlc_MediaPlayerEndReached, libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged,
+                        libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
+                    },
+                    &VlcStationEngine::onEvent, this);
 }
 
 VlcStationEngine::~VlcStationEngine()
 {
-    // No callback may run into a half-destroyed engine: detach first (libvlc
-    // holds the event lock while it calls out, so none runs after this).
-    if (m_events) {
-        for (libvlc_event_e type : Watched)
-            libvlc_event_detach(m_events, type, &VlcStationEngine::onEvent, this);
-    }
+    m_events.detach(); // first: see VlcEventHook
     m_output.stopped();
     m_output.setPlayer(nullptr, {});
     if (m_listPlayer)
