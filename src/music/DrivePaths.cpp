@@ -64,9 +64,9 @@ QString localPath(const QString &designPath)
             return volume.isEmpty() ? QString() : joined(volume, rest);
         }
     }
-    QString path = designPath;
-    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    return path;
+    // A path of this system as it stands: a backslash here is a legal
+    // character of a file or folder name, not a separator.
+    return designPath;
 }
 
 } // namespace drives

@@ -7,9 +7,9 @@
 //   "C:\My Documents"  the user's documents folder
 //   "c:\"              the file system's root
 //   "D:\"              the first removable or optical volume
-// Any other text is taken as a path of this system. Backslashes become the
-// path separator; a separator doubled at a root is left alone, as it is
-// harmless.
+// In the rest of those, backslashes become the path separator. Any other
+// text is a path of this system and is taken as it stands, backslashes and
+// all. A separator doubled at a root is left alone, as it is harmless.
 namespace drives {
 
 QString documents();

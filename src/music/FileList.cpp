@@ -28,10 +28,19 @@ FileList::FileList(QWidget *parent)
     // Ten thousand rows of one height lay out without measuring each.
     setUniformItemSizes(true);
     setModel(m_model);
-    connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this](const QModelIndex &current) {
-        if (m_selecting || !current.isValid() || current.row() == m_index)
+    // Only a click on an entry starts it, the selected one included. The
+    // keyboard and focus move the highlight alone: tabbing into the list or
+    // coming back to the window must not start the first song.
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (m_selecting)
             return;
-        m_index = static_cast<basic::Integer>(current.row());
+        const QModelIndexList rows = selectionModel()->selectedRows();
+        m_index = static_cast<basic::Integer>(rows.isEmpty() ? -1 : rows.first().row());
+    });
+    connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex &at) {
+        if (!at.isValid())
+            return;
+        m_index = static_cast<basic::Integer>(at.row());
         emit Click();
     });
     m_path = QDir::currentPath();

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QFileSystemModel>
+#include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStorageInfo>
@@ -47,8 +48,20 @@ Form1::Form1(Platform &platform)
     txtFinal->setObjectName(QStringLiteral("txtFinal"));
     txtFinal->hide();
 
-    on(Drive1, &QComboBox::activated, [this] { Drive1_Change(); });
-    on(Dir1, &QTreeView::clicked, [this] { m_dir1Path = m_folders->filePath(Dir1->currentIndex()); });
+    // A drive list changes only when another drive is chosen: picking the
+    // one it shows leaves the folder where it is.
+    on(Drive1, &QComboBox::activated, [this] {
+        if (Drive1->currentIndex() != m_drive) {
+            m_drive = Drive1->currentIndex();
+            Drive1_Change();
+        }
+    });
+    // Wherever the current folder goes, by mouse or by keyboard, that is the
+    // result.
+    on(Dir1->selectionModel(), &QItemSelectionModel::currentChanged, [this] {
+        if (Dir1->currentIndex().isValid())
+            m_dir1Path = m_folders->filePath(Dir1->currentIndex());
+    });
     on(cmdOk, &QPushButton::clicked, [this] { cmdOk_Click(); });
     on(cmdcancel, &QPushButton::clicked, [this] { cmdcancel_Click(); });
 
@@ -77,8 +90,8 @@ void Form1::fresh()
     // As a new window opens: the process's current folder and its volume.
     fillDrives();
     const QString current = QDir::currentPath();
-    const int drive = Drive1->findData(QStorageInfo(current).rootPath());
-    Drive1->setCurrentIndex(drive);
+    m_drive = Drive1->findData(QStorageInfo(current).rootPath());
+    Drive1->setCurrentIndex(m_drive);
     m_dir1Path.clear();
     setDir1Path(current);
 }

@@ -40,4 +40,5 @@ private:
 
     QFileSystemModel *m_folders;
     QString m_dir1Path;
+    int m_drive = -1; // the drive last chosen, as the list shows it
 };

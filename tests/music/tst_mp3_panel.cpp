@@ -13,6 +13,7 @@
 #include "widgets/GlowButton.h"
 #include "widgets/zzSlider.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QGroupBox>
@@ -24,6 +25,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTreeView>
 
 namespace {
 
@@ -146,7 +148,8 @@ void tst_mp3_panel::drivePathsMapToRoles()
     QCOMPARE(drives::localPath(QStringLiteral("C:\\My Documents")), drives::documents());
     QCOMPARE(drives::localPath(QStringLiteral("c:\\my documents\\a\\b.mp3")), drives::documents() + "/a/b.mp3");
     QCOMPARE(drives::localPath(QStringLiteral("D:\\")), drives::removable());
-    QCOMPARE(drives::localPath(QStringLiteral("/tmp\\x")), QString("/tmp/x"));
+    // A path of this system keeps its backslashes: they belong to names here.
+    QCOMPARE(drives::localPath(QStringLiteral("/tmp\\x")), QString("/tmp\\x"));
     QCOMPARE(Panel::FileTail(QStringLiteral("/a/b/c.mp3")), QString("/c.mp3"));
     QCOMPARE(Panel::FileTail(QStringLiteral("c.mp3")), QString());
     if (drives::removable().isEmpty()) {
@@ -192,6 +195,27 @@ void tst_mp3_panel::selectionStartsATrack()
     QCOMPARE(p->fName->text(), QString("b.mp3"));
     QVERIFY(!p->scr1->Enabled());
 
+    // Focus and the keyboard start nothing: only a click does, on the
+    // highlighted entry as well, so a stopped song starts again.
+    FileList *l = w.list();
+    l->setListIndex(-1);
+    e->calls.clear();
+    l->setFocus();
+    QFocusEvent tabbedIn(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(l, &tabbedIn);
+    QTest::keyClick(l, Qt::Key_Down);
+    QTest::keyClick(l, Qt::Key_Down);
+    QVERIFY(e->calls.isEmpty());
+    QVERIFY(l->ListIndex() >= 0);
+    QCOMPARE(int(l->ListIndex()), l->currentIndex().row());
+    l->setListIndex(1);
+    p->localStop_Click();
+    e->calls.clear();
+    const QPoint row1 = l->visualRect(l->model()->index(1, 0)).center();
+    for (int click = 0; click < 2; ++click)
+        QTest::mouseClick(l->viewport(), Qt::LeftButton, {}, row1);
+    QCOMPARE(e->calls.count(QStringLiteral("Play")), 2);
+    QCOMPARE(e->calls.value(1), "FileName=" + w.song("b.mp3"));
 }
 
 void tst_mp3_panel::playPauseStop()
@@ -514,15 +538,32 @@ void tst_mp3_panel::folderChooser()
     w.mp3->flder->click();
     QCOMPARE(f->Dir1Path(), QDir::tempPath());
 
-    // OK moves Mp3's list, leaves the player, and the next opening is fresh.
-    w.engine()->calls.clear();
+    // Choosing the drive already shown leaves the folder; the keyboard moves
+    // the result as a click does.
+    emit f->Drive1->activated(f->Drive1->currentIndex());
+    QCOMPARE(f->Dir1Path(), QDir::tempPath());
     QTemporaryDir chosen;
-    f->setDir1Path(chosen.path());
+    QVERIFY(QDir(chosen.path()).mkpath(QStringLiteral("a\\b")));
+    QVERIFY(QDir(chosen.path()).mkpath(QStringLiteral("c")));
+    f->setDir1Path(chosen.path() + QStringLiteral("/a\\b"));
+    f->Dir1->setFocus();
+    QTRY_VERIFY(f->Dir1->model()->rowCount(f->Dir1->currentIndex().parent()) == 2);
+    QTest::keyClick(f->Dir1, Qt::Key_Down);
+    QCOMPARE(f->Dir1Path(), chosen.path() + QStringLiteral("/c"));
+    QTest::keyClick(f->Dir1, Qt::Key_Up);
+    QCOMPARE(f->Dir1Path(), chosen.path() + QStringLiteral("/a\\b"));
+
+    // OK moves Mp3's list, backslash and all, and leaves the player; the
+    // song there starts under its own name. The next opening is fresh.
+    tagfiles::write(chosen.path() + QStringLiteral("/a\\b"), QStringLiteral("x\\y.mp3"), tagfiles::filler(600));
+    w.engine()->calls.clear();
     f->cmdOk->click();
-    QCOMPARE(w.list()->Path(), QDir(chosen.path()).absolutePath());
+    QCOMPARE(w.list()->Path(), QDir(chosen.path()).absolutePath() + QStringLiteral("/a\\b"));
     QVERIFY(w.engine()->calls.isEmpty());
     QVERIFY(!f->isVisible());
     QCOMPARE(f->Dir1Path(), QDir::currentPath());
+    w.list()->setListIndex(0);
+    QCOMPARE(w.engine()->calls.value(1), "FileName=" + w.list()->Path() + QStringLiteral("/x\\y.mp3"));
 }
 
 QTEST_MAIN(tst_mp3_panel)
