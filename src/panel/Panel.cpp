@@ -160,9 +160,13 @@ void Panel::buildSkin()
     stored.set(QStringLiteral("BackColor"), 0x202020u);
     stored.set(QStringLiteral("SliderColor"), 0xC0C000u);
     Slider1->ReadProperties(stored);
-    dur2 = text(this, "dur2", 600, 2850, 1100, 255, 0xC0C000);
+    // The two halves of one reading, "01:05" and "/03:12", meet at the seam
+    // left of the time line; minutes may widen either way.
+    dur2 = text(this, "dur2", 60, 2850, 840, 255, 0xC0C000);
+    dur2->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     dur2->setToolTip(QStringLiteral("Current Time"));
-    dur3 = text(this, "dur3", 10300, 2850, 1100, 255, 0xC0C000);
+    dur3 = text(this, "dur3", 900, 2850, 885, 255, 0xC0C000);
+    dur3->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     dur3->setToolTip(QStringLiteral("Total Time"));
 
     if (isStation())

@@ -175,6 +175,7 @@ public:
 
 private:
     void buildTagEditor();
+    void placeListButtons(); // under the list area, wherever its height stands
     cIDV3 &madeTag();
     FileList *m_fileList = nullptr;
     std::shared_ptr<CommonDialog> m_cmn;

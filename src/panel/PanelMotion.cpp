@@ -63,6 +63,7 @@ void Panel::setfileHeight(double tw)
 {
     m_fileHeight = tw;
     file->setFixedHeight(twips::toPixels(tw));
+    placeListButtons();
 }
 
 void Panel::scr1_Timer()

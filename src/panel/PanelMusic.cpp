@@ -9,12 +9,14 @@
 #include "music/CommonDialog.h"
 #include "music/FileList.h"
 #include "platform/AnimationSurface.h"
+#include "platform/AppInfo.h"
 #include "platform/Clock.h"
 #include "platform/Dialogs.h"
 #include "platform/Forms.h"
 #include "platform/LocalEngine.h"
 #include "platform/Twips.h"
 #include "widgets/ClickLabel.h"
+#include "widgets/Picture.h"
 #include "widgets/zzSlider.h"
 
 #include <QFrame>
@@ -28,13 +30,32 @@ namespace {
 
 constexpr double Mp3WideWidth = 17010;
 
-QPushButton *listButton(QWidget *parent, const char *name, const QString &caption, const QString &tip, int left)
+// The list buttons sit in one row just under the list area, and move with
+// it as the panel folds: anywhere higher they would cover a row of stations
+// (or Mp3's own list) once the panel unfolds. The row fits the narrowest
+// widened panel.
+constexpr int ListLeft = 13080;
+constexpr int ListButtonHeight = 360;
+constexpr int PictureButtonWidth = 480;
+constexpr int ListButtonGap = 45;
+constexpr int ClearListWidth = 1335;
+// Mp3's list stops short of its widened edge, so its scroll bar shows.
+constexpr int Mp3ListWidth = 3840;
+
+QPushButton *listButton(QWidget *parent, const AppInfo &app, const char *name, const QString &caption,
+                        const QString &tip, const char *picture)
 {
     auto *b = new QPushButton(caption, parent);
     b->setObjectName(QLatin1String(name));
     if (!tip.isEmpty())
         b->setToolTip(tip);
-    twips::place(b, left, 4395, 1335, 360);
+    const int width = picture ? PictureButtonWidth : ClearListWidth;
+    b->resize(twips::toPixels(width), twips::toPixels(ListButtonHeight));
+    if (picture) {
+        const QSize inner = b->size() - QSize(6, 4);
+        b->setIcon(QIcon(loadPicture(app.file(QStringLiteral("\\img\\panel\\") + QLatin1String(picture)), inner)));
+        b->setIconSize(inner);
+    }
     b->raise();
     return b;
 }
@@ -59,13 +80,14 @@ void Panel::buildLocalMusic()
 {
     // The four list buttons are drawn in every panel; only Mp3 gives them
     // work, bar flder, which Afm, Malfm and kanna keep as well.
-    const int left = 13080;
-    files = listButton(this, "files", QString(), QStringLiteral("Add Files"), left);
-    flder = listButton(this, "flder", QString(), QStringLiteral("Add Folder"), left + 1440);
+    const AppInfo &app = platform().app;
+    files = listButton(this, app, "files", QString(), QStringLiteral("Add Files"), "files.svg");
+    flder = listButton(this, app, "flder", QString(), QStringLiteral("Add Folder"), "flder.svg");
     // Its caption starts empty and nothing sets it, so a click does nothing:
     // kept as it stands.
-    Command3 = listButton(this, "Command3", QString(), QStringLiteral("Get From Cd"), left + 2880);
-    Command4 = listButton(this, "Command4", QStringLiteral("Clear List"), QStringLiteral("Clear list"), left + 4320);
+    Command3 = listButton(this, app, "Command3", QString(), QStringLiteral("Get From Cd"), "cd.svg");
+    Command4 = listButton(this, app, "Command4", QStringLiteral("Clear List"), QStringLiteral("Clear list"), nullptr);
+    placeListButtons();
     buildTagEditor();
 
     const QString name = objectName();
@@ -78,7 +100,7 @@ void Panel::buildLocalMusic()
     // the frame drawn there.
     m_fileList = new FileList(this);
     m_fileList->setGeometry(file->geometry());
-    m_fileList->setFixedHeight(file->height());
+    m_fileList->setFixedSize(twips::toPixels(Mp3ListWidth), file->height());
     m_fileList->stackUnder(files);
     delete file;
     file = m_fileList;
@@ -107,6 +129,16 @@ void Panel::buildLocalMusic()
 }
 
 // ---- The list and its buttons ----
+
+void Panel::placeListButtons()
+{
+    const int top = twips::toPixels(m_fileHeight + 15);
+    int left = ListLeft;
+    for (QPushButton *b : {files, flder, Command3, Command4}) {
+        b->move(twips::toPixels(left), top);
+        left += static_cast<int>(twips::fromPixels(b->width())) + ListButtonGap;
+    }
+}
 
 void Panel::file_Click()
 {

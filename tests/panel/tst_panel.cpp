@@ -1,5 +1,6 @@
 #include "doubles/ScriptedPlatform.h"
 #include "panel/Panel.h"
+#include "platform/Twips.h"
 #include "shell/ShellForms.h"
 #include "widgets/ClickLabel.h"
 #include "widgets/zzSlider.h"
@@ -363,6 +364,18 @@ void tst_panel::hoverImagesAndTheStopQuirk()
     for (QLabel *image : {p->nxt, p->nxtp, p->stp, p->stpp})
         QVERIFY(image->isHidden());
     QVERIFY(!p->NextHot && !p->StopHot);
+
+    // Each picture stands where it was drawn, at its own size.
+    const struct {
+        QLabel *image;
+        QRect at;
+    } drawn[] = {{p->pre, twips::rect(3720, 3265, 840, 720)},    {p->prep, twips::rect(3720, 3300, 840, 735)},
+                 {p->stp, twips::rect(4920, 3225, 840, 810)},    {p->stpp, twips::rect(4920, 3240, 840, 810)},
+                 {p->ply, twips::rect(5970, 3225, 840, 810)},    {p->plyp, twips::rect(5970, 3240, 840, 810)},
+                 {p->pause, twips::rect(7020, 3225, 840, 810)},  {p->pausep, twips::rect(7020, 3255, 840, 810)},
+                 {p->nxt, twips::rect(7995, 3225, 840, 810)},    {p->nxtp, twips::rect(7995, 3255, 840, 810)}};
+    for (const auto &d : drawn)
+        QCOMPARE(d.image->geometry(), d.at);
 }
 
 void tst_panel::navigationStopsTheEngine()
