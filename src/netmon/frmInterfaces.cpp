@@ -234,7 +234,6 @@ frmInterfaces::~frmInterfaces() = default;
 void frmInterfaces::Load()
 {
     m_loaded = true;
-    Timer1->setEnabled(true);
 
     lvInterfaceInfo->setHeaderLabels({QStringLiteral("Parameter"), QStringLiteral("Value")});
     lvInterfaceInfo->setColumnWidth(0, twips::toPixels(3000));
@@ -262,6 +261,10 @@ void frmInterfaces::Load()
     mTrayIcon.hIcon = ImageList1(4); // the load always starts on traffic both ways
     mTrayIcon.szTip = tip(mIpHelper->BytesReceived(), mIpHelper->BytesSent());
     platform().tray.notifyIcon(Tray::Add, mTrayIcon);
+    // Ticks start once the window stands. A box shown during the load (the
+    // reader's "no interface table") must not see the timer read the table
+    // again under it and repeat itself every 200 ms.
+    Timer1->setEnabled(true);
 }
 
 // Selecting an entry of an empty list is an invalid property value.

@@ -12,6 +12,10 @@ QString messageFor(const basic::RuntimeError &error)
 
 void reportAndEnd(Dialogs &dialogs, Process &process, const basic::RuntimeError &error)
 {
+    // One box, whatever fails under it while it is up.
+    if (process.failed())
+        return;
+    process.setFailed();
     dialogs.MsgBox(messageFor(error), MsgBox::Critical + MsgBox::OkOnly);
     process.end(1);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "basic/RuntimeError.h"
+#include "platform/Process.h"
 
 #include <utility>
 
 class Dialogs;
-class Process;
 
 // Where an event handler meets the event loop. A run-time error that nothing
 // below caught ends the program, as the runtime always did: the message
@@ -18,6 +18,8 @@ void reportAndEnd(Dialogs &dialogs, Process &process, const basic::RuntimeError 
 template <class Handler>
 void run(Dialogs &dialogs, Process &process, Handler &&handler)
 {
+    if (process.failed())
+        return;
     try {
         std::forward<Handler>(handler)();
     } catch (const basic::RuntimeError &e) {

@@ -2,11 +2,20 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+
 int ScriptedDialogs::MsgBox(const QString &prompt, int style, const QString &title)
 {
-    shown.append({prompt, style, title});
+    shown.append({prompt, style, title, m_depth});
     if (onShow)
         onShow(shown.last());
+    // Bounded, so that a box that stacks boxes shows in a test as a few
+    // of them rather than as a stack overflow.
+    if (upForMs > 0 && clock && m_depth < 4) {
+        ++m_depth;
+        clock->advance(upForMs);
+        --m_depth;
+    }
     return answers.isEmpty() ? MsgBox::Ok : answers.takeFirst();
 }
 
@@ -62,11 +71,13 @@ void ManualClock::advance(int ms)
         emit t->tick();
         QCoreApplication::processEvents();
     }
-    m_now = target;
+    // A box held up under a tick may have moved the clock past this target.
+    m_now = std::max(m_now, target);
 }
 
 ScriptedPlatform::ScriptedPlatform()
     : platform{app, dialogs, connection, shell, process, clock, forms, tray, interfaces, media}
 {
     app.Path = QStringLiteral(ZARVENT_RUNTIME_DIR); // where the build puts img/
+    dialogs.clock = &clock;
 }

@@ -24,7 +24,10 @@ struct ShownBox {
     QString prompt;
     int style;
     QString title; // as passed; empty means the application title
+    int depth = 0; // boxes already up under this one
 };
+
+class ManualClock;
 
 class ScriptedDialogs : public Dialogs {
 public:
@@ -33,6 +36,13 @@ public:
     QList<ShownBox> shown;
     QList<int> answers; // answered in order; MsgBox::Ok once they run out
     std::function<void(const ShownBox &)> onShow; // lets a test look at the world while a box is "up"
+    // A box stays up this long on the clock, as a real one runs its own loop:
+    // timers tick under it, and may show boxes of their own.
+    int upForMs = 0;
+    ManualClock *clock = nullptr;
+
+private:
+    int m_depth = 0;
 };
 
 class ScriptedConnection : public Connection {

@@ -7,15 +7,16 @@
 
 namespace {
 
-// A form whose timer handler overflows a 16-bit counter on its third tick.
+// A form whose timer handler overflows a 16-bit counter on its third tick
+// (with steps of 1, never).
 class CountingForm : public Form {
 public:
-    explicit CountingForm(Platform &p)
+    explicit CountingForm(Platform &p, basic::Integer step = 16383)
         : Form(p, QStringLiteral("CountingForm"))
         , timer(p.clock, this, QStringLiteral("Timer1"), 100, true)
     {
-        on(&timer, &Timer::tick, [this] {
-            count = basic::add<basic::Integer>(count, 16383);
+        on(&timer, &Timer::tick, [this, step] {
+            count = basic::add<basic::Integer>(count, step);
             ++ticks;
         });
     }
@@ -77,6 +78,18 @@ void tst_boundary::formHandlersStopAtTheFailingStatement()
     QCOMPARE(sp.dialogs.shown.size(), 1);
     QCOMPARE(sp.dialogs.shown[0].prompt, QStringLiteral("Run-time error '6':\n\nOverflow"));
     QCOMPARE(sp.process.ends, 1);
+
+    // While the box is up, timers go on ticking, but nothing of the program
+    // runs: no second failure stacks a second box.
+    ScriptedPlatform held;
+    held.dialogs.upForMs = 2000;
+    CountingForm failing(held.platform);
+    CountingForm other(held.platform, 1);
+    held.clock.advance(300);
+    QCOMPARE(held.dialogs.shown.size(), 1);
+    QCOMPARE(failing.ticks, 2);
+    QCOMPARE(other.ticks, 2);
+    QCOMPARE(held.process.ends, 1);
 }
 
 void tst_boundary::applicationCatchesWhatHandlersMissed()
