@@ -13,6 +13,7 @@
 #include "widgets/zzSlider.h"
 
 #include <QGuiApplication>
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
@@ -196,6 +197,18 @@ bool frmSplash::keyPreview(QKeyEvent *event)
 }
 
 void frmSplash::Form_KeyPress()
+{
+    Form_Unload();
+}
+
+// Closed by the window manager, the splash unloads just as a key makes it.
+void frmSplash::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
+    guard([this] { Form_Unload(); });
+}
+
+void frmSplash::Form_Unload()
 {
     // Unloading the splash drops its timer before Form2 was ever loaded;
     // with no other form left the program ends, silently.

@@ -37,12 +37,14 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     bool keyPreview(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     void Timer1_Timer();
     void s1_Change();
     void cmdHelp_Click();
     void Form_KeyPress();
+    void Form_Unload();
 
     QPixmap m_picture;
 };

@@ -149,6 +149,15 @@ void tst_splash::keyPressEndsBeforeAnythingElse()
     s.sp.clock.advance(400 * 12);
     QVERIFY(!s.sp.forms.isLoaded(QStringLiteral("Form2")));
     QVERIFY(s.sp.connection.probed.isEmpty());
+
+    // Closed by the window manager: the same end, and nothing follows.
+    Started closed;
+    closed.sp.clock.advance(400 * 5);
+    QVERIFY(!closed.splash->close());
+    QCOMPARE(closed.sp.process.ends, 1);
+    closed.sp.clock.advance(400 * 12);
+    QVERIFY(!closed.sp.forms.isLoaded(QStringLiteral("Form2")));
+    QVERIFY(closed.sp.dialogs.shown.isEmpty());
 }
 
 QTEST_MAIN(tst_splash)
