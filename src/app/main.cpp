@@ -6,8 +6,20 @@
 #include "platform/RealPlatform.h"
 #include "shell/ShellForms.h"
 
+#include <QtGlobal>
+
+namespace {
+
+// The program keeps no log and says nothing on its streams; Qt's own notes
+// (a missing runtime folder, a plugin's complaint) go nowhere as well.
+void silence(QtMsgType, const QMessageLogContext &, const QString &) {}
+
+} // namespace
+
 int main(int, char **argv)
 {
+    qInstallMessageHandler(silence);
+
     // Only the program's own path reaches Qt: no argument is read.
     int qtArgc = 1;
     char *qtArgv[] = {argv[0], nullptr};
