@@ -8,6 +8,11 @@
 #                    private network namespace), the map appears in its outline
 #   map_region       the same namespace with a default route: the Tamil region opens
 #                    its panel, which settles folded and narrow; its Kill Me spot ends
+#   splash_close     the window manager's close (openbox: Alt+F4) on the splash ends
+#                    the program as a key does
+#   mp3_list         Mp3 widened and unfolded by its spots; a click on a song of the
+#                    folder it started in plays it under its own title at once, and
+#                    the program writes nothing on stdout or stderr
 set -uo pipefail
 case_name=$1 program=$2 shots=$3
 mkdir -p "$shots"
@@ -40,6 +45,20 @@ wait_window() {
 }
 
 visible() { [ -n "$(xdotool search --onlyvisible --name "$1" 2>/dev/null)" ]; }
+
+# Clicks at x, y inside the window $1, as a person would.
+click_in() { xdotool mousemove --window "$1" "$2" "$3" click 1; }
+
+# Waits up to $2 ms for window $1 to reach the size $3 (WxH).
+wait_size() {
+  local start
+  start=$(now_ms)
+  while [ $(( $(now_ms) - start )) -lt "$2" ]; do
+    [ "$(xdotool getwindowgeometry "$1" | awk '/Geometry/ {print $2}')" = "$3" ] && return 0
+    sleep 0.05
+  done
+  return 1
+}
 
 # Runs the program with no network at all: a network namespace of its own
 # holding only a loopback that is down.
@@ -157,6 +176,47 @@ map_region)
   done
   kill -0 "${pids[0]}" 2>/dev/null && fail "Kill Me did not end the program"
   ;;
+splash_close)
+  start_offline
+  splash=$(wait_window 5000 '^Zarvent$') || fail "no splash window"
+  xdotool windowactivate --sync "$splash" 2>/dev/null || xdotool windowfocus --sync "$splash"
+  xdotool key --clearmodifiers alt+F4
+  for _ in $(seq 1 40); do
+    kill -0 "${pids[0]}" 2>/dev/null || break
+    sleep 0.05
+  done
+  kill -0 "${pids[0]}" 2>/dev/null && fail "the program is still running after the close"
+  wait "${pids[0]}"; code=$?
+  [ "$code" -eq 0 ] || fail "exit code $code"
+  sleep 0.5
+  visible '^Mp3 Player$' && fail "the Mp3 panel appeared"
+  ;;
+
+mp3_list)
+  mkdir -p "$scratch/songs"
+  for song in a b; do
+    ffmpeg -nostdin -loglevel error -f lavfi -i sine=frequency=440:duration=90 -ac 2 -ar 44100 \
+      -c:a libmp3lame -b:a 128k "$scratch/songs/$song.mp3" || fail "ffmpeg could not make a song"
+  done
+  cd "$scratch/songs" # the list starts on the program's current folder
+  start_offline
+  mp3=$(wait_window 9000 '^Mp3 Player$') || fail "no Mp3 panel"
+  sleep 0.5
+  click_in "$mp3" 770 200 # Label1: the list
+  wait_size "$mp3" 5000 1135x319 || fail "the panel did not widen"
+  click_in "$mp3" 660 150 # Label2: the lower part
+  wait_size "$mp3" 5000 1135x541 || fail "the panel did not unfold"
+  click_in "$mp3" 920 8 # the first song
+  wait_window 1000 '^ a\.mp3$' >/dev/null || fail "the chosen song's title is not the caption: '$(xdotool getwindowname "$mp3")'"
+  sleep 1.5
+  import -window "$mp3" "$shots/mp3-playing.png" 2>/dev/null || true
+  click_in "$mp3" 1021 526 # Clear List: the song plays on, under its title
+  sleep 0.3
+  visible '^ a\.mp3$' || fail "Clear List changed the title"
+  kill -0 "${pids[0]}" 2>/dev/null || fail "the program ended"
+  [ -s "$scratch/out.log" ] && { cat "$scratch/out.log"; fail "the program wrote on its streams"; }
+  ;;
+
 *)
   fail "unknown case $case_name"
   ;;
