@@ -5,6 +5,7 @@
 #include <QMetaObject>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace {
@@ -12,6 +13,16 @@ namespace {
 bool running(libvlc_state_t state)
 {
     return state == libvlc_Playing || state == libvlc_Paused;
+}
+
+bool opening(int state)
+{
+    return state == libvlc_Opening || state == libvlc_Buffering || state == libvlc_NothingSpecial;
+}
+
+bool isStream(const QString &file)
+{
+    return file.contains(QLatin1String("://"));
 }
 
 } // namespace
@@ -34,6 +45,7 @@ VlcLocalEngine::VlcLocalEngine(VlcInstancePtr instance)
                         libvlc_MediaPlayerPaused, libvlc_MediaPlayerStopped, libvlc_MediaPlayerEndReached,
                         libvlc_MediaPlayerEncounteredError, libvlc_MediaPlayerTimeChanged, libvlc_MediaPlayerLengthChanged,
                         libvlc_MediaPlayerAudioVolume, libvlc_MediaPlayerMuted, libvlc_MediaPlayerUnmuted,
+                        libvlc_MediaPlayerESAdded,
                     },
                     &VlcLocalEngine::onEvent, this);
 }
@@ -62,30 +74,53 @@ void VlcLocalEngine::setFileName(const QString &file)
     m_timeMs = 0;
     m_lengthMs = 0;
     m_pendingSeekMs = -1;
+    m_openFailed = false;
     if (file.isEmpty())
         return;
     const QByteArray utf8 = file.toUtf8();
-    m_media.reset(file.contains(QLatin1String("://")) ? libvlc_media_new_location(m_instance.get(), utf8.constData())
-                                                      : libvlc_media_new_path(m_instance.get(), utf8.constData()));
+    m_media.reset(isStream(file) ? libvlc_media_new_location(m_instance.get(), utf8.constData())
+                                 : libvlc_media_new_path(m_instance.get(), utf8.constData()));
     if (!m_media) {
         m_state = libvlc_Error;
         return;
     }
     libvlc_media_player_set_media(m_player.get(), m_media.get());
-    start();
+    start(true);
 }
 
-void VlcLocalEngine::start()
+void VlcLocalEngine::start(bool wait)
 {
     // libvlc keeps an input that ended until it is stopped, and play alone
     // does nothing then.
     libvlc_media_player_stop(m_player.get());
     m_state = libvlc_Opening;
     m_timeMs = 0;
-    if (libvlc_media_player_play(m_player.get()) != 0)
+    m_hasAudio = false;
+    m_playingHeld = false;
+    if (libvlc_media_player_play(m_player.get()) != 0) {
         m_state = libvlc_Error;
-    else
-        m_output.started();
+        return;
+    }
+    m_output.started();
+    if (wait && !isStream(m_file))
+        awaitPlaying();
+}
+
+// The panel reads PlayState right after it starts a file and names the song
+// only if it plays by then, as the older control did for a local file at
+// once. libvlc opens on its own thread, in tens of ms for a readable file,
+// so the caller is held until it plays, fails or the bound runs out.
+void VlcLocalEngine::awaitPlaying()
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(OpenWaitMs);
+    {
+        std::unique_lock<std::mutex> hold(m_stateLock);
+        m_stateMoved.wait_until(hold, deadline, [this] { return !opening(m_state.load()); });
+    }
+    // A file that failed or stalled is not waited for again by a Play on
+    // it: one wait per file name.
+    m_openFailed = m_state.load() != libvlc_Playing;
+    applyPendingSeek();
 }
 
 int VlcLocalEngine::PlayState() const
@@ -162,7 +197,7 @@ void VlcLocalEngine::Play()
     case libvlc_Error:
     case libvlc_NothingSpecial:
     case libvlc_Stopped:
-        start();
+        start(!m_openFailed);
         break;
     }
 }
@@ -223,6 +258,29 @@ void VlcLocalEngine::applyPendingSeek()
     m_pendingSeekMs = -1;
 }
 
+// Taken under the lock so that a waiter between its test and its sleep
+// cannot miss the change.
+void VlcLocalEngine::setState(libvlc_state_t state)
+{
+    {
+        std::lock_guard<std::mutex> hold(m_stateLock);
+        m_state = state;
+    }
+    m_stateMoved.notify_all();
+}
+
+// Playing and the first audio stream come in either order, perhaps from
+// two threads: whichever is second gets here, once.
+void VlcLocalEngine::playingWithSound()
+{
+    if (!m_playingHeld.exchange(false))
+        return;
+    setState(libvlc_Playing);
+    // A position given before the file could seek is taken now, on the
+    // engine's own thread (unless a wait there has taken it already).
+    QMetaObject::invokeMethod(this, [this] { applyPendingSeek(); }, Qt::QueuedConnection);
+}
+
 // Runs on libvlc's threads: it only moves atomics and queues work. Calling
 // libvlc from here (stop, play, release) would deadlock it.
 void VlcLocalEngine::onEvent(const libvlc_event_t *event, void *opaque)
@@ -230,32 +288,44 @@ void VlcLocalEngine::onEvent(const libvlc_event_t *event, void *opaque)
     auto *self = static_cast<VlcLocalEngine *>(opaque);
     switch (event->type) {
     case libvlc_MediaPlayerNothingSpecial:
-        self->m_state = libvlc_NothingSpecial;
+        self->setState(libvlc_NothingSpecial);
         break;
     case libvlc_MediaPlayerOpening:
-        self->m_state = libvlc_Opening;
+        self->setState(libvlc_Opening);
         break;
     case libvlc_MediaPlayerPlaying:
-        self->m_state = libvlc_Playing;
-        // A position given before the file could seek is taken now, on the
-        // engine's own thread.
-        QMetaObject::invokeMethod(self, [self] { self->applyPendingSeek(); }, Qt::QueuedConnection);
+        self->m_playingHeld = true;
+        if (self->m_hasAudio)
+            self->playingWithSound();
+        break;
+    case libvlc_MediaPlayerESAdded:
+        if (event->u.media_player_es_changed.i_type != libvlc_track_audio)
+            break;
+        self->m_hasAudio = true;
+        if (self->m_playingHeld)
+            self->playingWithSound();
         break;
     case libvlc_MediaPlayerPaused:
-        self->m_state = libvlc_Paused;
+        self->setState(libvlc_Paused);
         break;
     case libvlc_MediaPlayerStopped:
         // libvlc says Stopped also when an input that ended or failed goes
         // away; that stays Ended (0) or Error (6). A stop of ours sets
         // Stopped itself.
-        stopUnlessFinished(self->m_state);
+        {
+            std::lock_guard<std::mutex> hold(self->m_stateLock);
+            stopUnlessFinished(self->m_state);
+        }
+        self->m_stateMoved.notify_all();
         break;
     case libvlc_MediaPlayerEndReached:
-        // Ended, not stopped: nothing else starts by itself.
-        self->m_state = libvlc_Ended;
+        // Ended, not stopped: nothing else starts by itself. An end with no
+        // sound ever found (text, noise, a playlist) is a file that cannot
+        // be played.
+        self->setState(self->m_hasAudio ? libvlc_Ended : libvlc_Error);
         break;
     case libvlc_MediaPlayerEncounteredError:
-        self->m_state = libvlc_Error;
+        self->setState(libvlc_Error);
         break;
     case libvlc_MediaPlayerTimeChanged:
         self->m_timeMs = event->u.media_player_time_changed.new_time;

@@ -9,6 +9,8 @@
 #include <QObject>
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 
 // The Mp3 panel's engine on a plain libvlc media player. libvlc's threads
 // only move the atomics below; anything that calls back into libvlc is
@@ -45,10 +47,17 @@ public:
     // before the first FileName.
     VlcAudioTap &countDecodedAudio();
 
+    // The longest a start of a local file holds the caller until libvlc
+    // plays it.
+    static constexpr int OpenWaitMs = 1000;
+
 private:
     static void onEvent(const libvlc_event_t *event, void *opaque);
-    void start();
+    void start(bool wait);
+    void awaitPlaying();
     void applyPendingSeek();
+    void setState(libvlc_state_t state); // any thread
+    void playingWithSound();              // libvlc's thread
 
     VlcInstancePtr m_instance;
     VlcAudioTap m_tap;
@@ -60,8 +69,15 @@ private:
     QString m_file;
     long m_volume = 0; // as given, hundredths of a dB
     qint64 m_pendingSeekMs = -1; // Qt thread only
+    bool m_openFailed = false;   // the last wait for this file gave up
 
     std::atomic<int> m_state{libvlc_NothingSpecial};
     std::atomic<qint64> m_timeMs{0};
     std::atomic<qint64> m_lengthMs{0};
+    // libvlc says Playing also for a file it cannot make sound of; such a
+    // start is held at Opening until an audio stream turns up.
+    std::atomic<bool> m_hasAudio{false};
+    std::atomic<bool> m_playingHeld{false};
+    std::mutex m_stateLock; // only pairs m_stateMoved with m_state
+    std::condition_variable m_stateMoved;
 };

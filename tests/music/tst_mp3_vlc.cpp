@@ -65,6 +65,7 @@ private slots:
     void initTestCase();
     void playSeekPauseAndEnd();
     void saveWhilePlaying();
+    void selectionNamesTheSongAtOnce();
 
 private:
     QTemporaryDir m_dir;
@@ -162,6 +163,36 @@ void tst_mp3_vlc::saveWhilePlaying()
     QCOMPARE(v1.value("artist").toString(), QString("Zarvent Test"));
     QCOMPARE(v1.value("year").toString(), QString("2026"));
     QCOMPARE(v1.value("genre").toString(), QString("Jazz"));
+}
+
+void tst_mp3_vlc::selectionNamesTheSongAtOnce()
+{
+    ScriptedPlatform sp;
+    RealMedia media({QStringLiteral("--aout=dummy"), QStringLiteral("--quiet")});
+    Forms forms;
+    Platform platform{sp.app, sp.dialogs, sp.connection, sp.shell, sp.process, sp.clock, forms, sp.tray, sp.interfaces, media};
+    defineForms(platform);
+    forms.Show(QStringLiteral("Mp3"));
+    auto *p = forms.get<Panel>(QStringLiteral("Mp3"));
+    dynamic_cast<VlcLocalEngine &>(*p->Player()).countDecodedAudio();
+    FileList *list = p->fileList();
+    list->setPath(m_dir.path());
+
+    // Each step is read straight after it, with no turn of the event loop:
+    // the song is named only if it already plays then.
+    const auto named = [&](const QString &song) {
+        return p->windowTitle() == QLatin1Char(' ') + song && p->fName->text() == song
+               && p->Player()->PlayState() == 2;
+    };
+    const QRect entry = list->visualRect(list->model()->index(0, 0));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, entry.center());
+    QCOMPARE(list->ListIndex(), basic::Integer(0));
+    QVERIFY2(named(QStringLiteral("1-short.mp3")), qPrintable(p->windowTitle()));
+    p->localNext_Click();
+    QVERIFY2(named(QStringLiteral("2-long.mp3")), qPrintable(p->windowTitle()));
+    p->localPrevious_Click();
+    QVERIFY2(named(QStringLiteral("1-short.mp3")), qPrintable(p->windowTitle()));
+    QVERIFY(sp.dialogs.shown.isEmpty());
 }
 
 QTEST_MAIN(tst_mp3_vlc)

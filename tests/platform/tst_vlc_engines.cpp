@@ -66,6 +66,7 @@ private slots:
     void localPlaysSeeksEnds();
     void localStopSeekClose();
     void localVolumeAndMuteBeforeOutput();
+    void localOpensAtOnce();
     void oneInstanceShared();
     void libvlcThatCannotStart();
 
@@ -475,6 +476,41 @@ void tst_vlc_engines::libvlcThatCannotStart()
     localEngine->Play();
     QCOMPARE(localEngine->PlayState(), 6);
     QCOMPARE(localEngine->Duration(), 0.0);
+}
+
+void tst_vlc_engines::localOpensAtOnce()
+{
+    QVERIFY(write(QStringLiteral("text.mp3"), QStringLiteral("No sound here, only a name that says so.\n")));
+    struct Case {
+        QString file;
+        int state; // read right after FileName, with no event loop between
+    };
+    const Case cases[] = {
+        {m_files.filePath(QStringLiteral("local.mp3")), 2},
+        {m_files.filePath(QStringLiteral("text.mp3")), 6},
+        {m_files.filePath(QStringLiteral("missing.mp3")), 6},
+        {url(QStringLiteral("tone.mp3")), 3}, // a stream is not waited for
+        {m_files.filePath(QStringLiteral("local.mp3")), 2},
+    };
+    RealMedia media(TestOptions);
+    auto engine = media.createLocalEngine();
+    local(engine)->countDecodedAudio();
+    for (const Case &c : cases) {
+        QElapsedTimer t;
+        t.start();
+        engine->setFileName(c.file);
+        const int state = engine->PlayState();
+        engine->Play(); // as the panel does next: no second wait
+        const qint64 took = t.elapsed();
+        QVERIFY2(state == c.state, qPrintable(QStringLiteral("%1: %2").arg(c.file).arg(state)));
+        QVERIFY2(took < VlcLocalEngine::OpenWaitMs + 300, qPrintable(QStringLiteral("%1: %2 ms").arg(c.file).arg(took)));
+        QCOMPARE(engine->PlayState() == 2, c.state == 2);
+    }
+    // Started again after Stop, at once too.
+    engine->Stop();
+    QCOMPARE(engine->PlayState(), 0);
+    engine->Play();
+    QCOMPARE(engine->PlayState(), 2);
 }
 
 QTEST_MAIN(tst_vlc_engines)
