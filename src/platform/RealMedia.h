@@ -9,7 +9,7 @@
 // the process share one libvlc instance, made when the first engine is made,
 // with the options of the RealMedia that made it (the program passes none;
 // tests pass theirs). A second RealMedia made while that instance lives gets
-// the same instance and its options are ignored, with a warning; options
+// the same instance and its options are ignored; options
 // take effect again only after every engine and RealMedia holding the
 // instance is gone.
 class RealMedia : public Media {
