@@ -10,6 +10,7 @@ QColor oleColor(std::uint32_t value)
         switch (value & 0xFFu) {
         case 0x05: return pal.color(QPalette::Base);            // window background
         case 0x08: return pal.color(QPalette::Text);            // window text
+        case 0x09: return pal.color(QPalette::HighlightedText); // text of an active title bar
         case 0x0D: return pal.color(QPalette::Highlight);
         case 0x0E: return pal.color(QPalette::HighlightedText);
         case 0x0F: return pal.color(QPalette::Button);          // button face
