@@ -3,6 +3,9 @@
 
 #include "panel/Panel.h"
 
+#include "mixer/MixerSection.h"
+#include "mixer/PlayerFader.h"
+#include "mixer/PlayerSound.h"
 #include "platform/AnimationSurface.h"
 #include "platform/AppInfo.h"
 #include "platform/Clock.h"
@@ -14,12 +17,14 @@
 #include "platform/StationEngine.h"
 #include "platform/Twips.h"
 #include "widgets/ClickLabel.h"
+#include "widgets/GlowButton.h"
 #include "widgets/Picture.h"
 #include "widgets/PropertyBag.h"
 #include "widgets/zzSlider.h"
 
 #include <QCloseEvent>
 #include <QFrame>
+#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -77,6 +82,23 @@ QLineEdit *box(QWidget *parent, const char *name)
     return e;
 }
 
+// The lower deck holds the tag editor and the mixer side by side: the
+// editor keeps the left part, its fields still wide enough for 30
+// characters, and the strips take the right part.
+void shareLowerDeck(Panel &p, MixerSection &mixer)
+{
+    constexpr int FieldWidth = 3360;
+    twips::place(p.Frame2, 240, 4920, 4560, 2880);
+    for (QLineEdit *field : {p.txtFilename, p.txtTitle, p.txtArtist, p.txtAlbum, p.txtYear, p.txtComment})
+        field->resize(twips::toPixels(FieldWidth), field->height());
+    twips::place(p.mpeginfo, 4920, 4920, 3000, 2400);
+    twips::place(p.lblInfo, 120, 300, 2760, 1980);
+    twips::place(p.cmdsave, 4920, 7440, 840, 405);
+    twips::place(p.cmdcancel, 5820, 7440, 1200, 405);
+    twips::place(p.cmdremove, 7080, 7440, 840, 405);
+    mixer.place(8040, 4860);
+}
+
 } // namespace
 
 Panel::Panel(Platform &platform, const PanelTraits &traits)
@@ -101,6 +123,9 @@ Panel::Panel(Platform &platform, const PanelTraits &traits)
     connectHandlers();
     buildStations();
     buildLocalMusic();
+    auto sound = isStation() ? PlayerSound::of(*m_player) : PlayerSound::of(*m_localPlayer);
+    m_mixer = std::make_unique<MixerSection>(platform, this, std::move(sound));
+    shareLowerDeck(*this, *m_mixer);
 }
 
 Panel::~Panel() = default;
@@ -299,19 +324,24 @@ void Panel::Load()
     // 3.
     if (name == QLatin1String("Malfm"))
         setWindowIcon(forms.form(QStringLiteral("Tafm"))->windowIcon());
-    // 4. The swinging window icon, 5. the mixer lines: with the chrome and the mixer.
+    // 4. The swinging window icon: with the chrome.
     if (name == QLatin1String("Tafm"))
         setWindowIcon(QIcon(loadPicture(platform().app.file(QStringLiteral("\\img\\panel\\icon.svg")), QSize(32, 32))));
+    // 5.
+    m_mixer->OpenMixerLines();
     // 6.
     PlayHot = PreviousHot = PauseHot = NextHot = StopHot = false;
-    // 7. The engine's fader: with the volume chain.
+    // 7. Far above the fader's scale: it stops at 100.
+    m_mixer->Volumesl->setValue(2000);
     // 8.
     setHeight(LoadedHeight);
     setWidth(LoadedWidth);
     // 9. Nothing runs it yet.
     m_pstate->setFileName(platform().app.file(QStringLiteral("\\img\\play.gif")));
-    // 10. The mixer LEDs, 11. the percent fields, 12. the editor's buttons:
-    // with the mixer and the tag editor.
+    // 10. The mixer LEDs: with the display.
+    // 11.
+    m_mixer->RefreshPercents();
+    // 12. The editor's buttons: with the tag editor.
 }
 
 void Panel::setWidth(double tw)

@@ -8,6 +8,7 @@
 class AnimationSurface;
 class ClickLabel;
 class LocalEngine;
+class MixerSection;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -54,6 +55,9 @@ public:
     StationEngine *player() const { return m_player.get(); }
     LocalEngine *Player() const { return m_localPlayer.get(); }
     AnimationSurface *pstate() const { return m_pstate.get(); }
+
+    // The mixer: strips in the lower deck, the player's fader on the skin.
+    MixerSection *mixer() const { return m_mixer.get(); }
 
     // Controls by role, named as on the form.
     ClickLabel *Main;
@@ -239,4 +243,5 @@ private:
     double m_height = 0;
     double m_fNameLeft = ScrollOrigin;
     double m_fileHeight = 7815;
+    std::unique_ptr<MixerSection> m_mixer; // after the engines, which it reaches
 };

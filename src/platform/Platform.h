@@ -8,9 +8,13 @@ class Dialogs;
 class Forms;
 class InterfaceTable;
 class Media;
+class MixerDevice;
 class Process;
 class Shell;
 class Tray;
+
+// A mixer device with no line: the mixer of a bundle that names none.
+MixerDevice &emptyMixer();
 
 struct Platform {
     AppInfo &app;
@@ -23,4 +27,5 @@ struct Platform {
     Tray &tray;
     InterfaceTable &interfaces;
     Media &media;
+    MixerDevice &mixer = emptyMixer();
 };

@@ -11,6 +11,7 @@
 #include "platform/RealProcess.h"
 #include "platform/RealShell.h"
 #include "platform/RealTray.h"
+#include "platform/alsa/AlsaMixerDevice.h"
 
 #include <QStringList>
 
@@ -28,6 +29,7 @@ struct RealPlatform {
     RealTray tray;
     RealInterfaceTable interfaces;
     RealMedia media;
+    AlsaMixerDevice mixer;
     Forms forms; // after every seam: its forms go first
     Platform platform;
 };

@@ -76,7 +76,7 @@ void ManualClock::advance(int ms)
 }
 
 ScriptedPlatform::ScriptedPlatform()
-    : platform{app, dialogs, connection, shell, process, clock, forms, tray, interfaces, media}
+    : platform{app, dialogs, connection, shell, process, clock, forms, tray, interfaces, media, mixer}
 {
     app.Path = QStringLiteral(ZARVENT_RUNTIME_DIR); // where the build puts img/
     dialogs.clock = &clock;

@@ -13,6 +13,7 @@
 #include "platform/Shell.h"
 #include "doubles/ScriptedInterfaceTable.h"
 #include "doubles/ScriptedMedia.h"
+#include "doubles/ScriptedMixerDevice.h"
 #include "doubles/ScriptedTray.h"
 
 #include <QList>
@@ -109,6 +110,7 @@ public:
     ScriptedTray tray;
     ScriptedInterfaceTable interfaces;
     ScriptedMedia media;
+    ScriptedMixerDevice mixer;
     Forms forms; // after every seam: its forms go first
     Platform platform;
 };
