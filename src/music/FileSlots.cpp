@@ -7,7 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/sysmacros.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace music {
@@ -46,14 +50,21 @@ bool validPath(const QString &path)
 }
 
 // O_NONBLOCK only so that a named pipe cannot hang the open; pipes are
-// refused, and regular files ignore the flag.
-int openFile(const QByteArray &name, FileSlots::Access access)
+// refused, and regular files ignore the flag. -1 with errno set when the
+// system refuses.
+int openQuietly(const QByteArray &name, FileSlots::Access access)
 {
     const int flags = (access == FileSlots::Read ? O_RDONLY : O_WRONLY) | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     int fd;
     do
         fd = ::open(name.constData(), flags);
     while (fd < 0 && errno == EINTR);
+    return fd;
+}
+
+int openFile(const QByteArray &name, FileSlots::Access access)
+{
+    const int fd = openQuietly(name, access);
     if (fd < 0)
         raiseOpenError(errno);
     return fd;
@@ -76,6 +87,43 @@ void readAt(int fd, std::int64_t offset, unsigned char *into, std::int64_t count
     std::memset(into + done, 0, static_cast<size_t>(count - done));
 }
 
+std::int64_t nanoseconds(const timespec &t)
+{
+    return std::int64_t(t.tv_sec) * 1000000000 + t.tv_nsec;
+}
+
+// Whether any change made from now on must give the file a status other
+// than st. This kernel stamps a change from its coarse real-time clock, so a
+// file whose last change lies a full tick of that clock before `before`
+// cannot be changed again under the same stamp. That holds for file systems
+// on block devices, stamped here, unless they keep coarser stamps than a
+// tick: FAT's and old ext3's have no digits below the millisecond. Of those
+// without a device, network and FUSE file systems take stamps from other
+// clocks; only tmpfs and btrfs are known to be ours.
+bool changesMustShow(int fd, const struct stat &st, const timespec &before)
+{
+    static const std::int64_t tick = [] {
+        timespec res{};
+        ::clock_getres(CLOCK_REALTIME_COARSE, &res);
+        return std::max<std::int64_t>(nanoseconds(res), 1);
+    }();
+    if (!S_ISREG(st.st_mode) || st.st_ctim.tv_nsec % 1000000 == 0)
+        return false;
+    if (nanoseconds(st.st_ctim) >= nanoseconds(before) - tick)
+        return false;
+    if (major(st.st_dev) != 0)
+        return true;
+    struct statfs fs;
+    return ::fstatfs(fd, &fs) == 0 && (fs.f_type == TMPFS_MAGIC || fs.f_type == BTRFS_SUPER_MAGIC);
+}
+
+bool sameStatus(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_mode == b.st_mode && a.st_uid == b.st_uid
+        && a.st_gid == b.st_gid && a.st_size == b.st_size && nanoseconds(a.st_mtim) == nanoseconds(b.st_mtim)
+        && nanoseconds(a.st_ctim) == nanoseconds(b.st_ctim);
+}
+
 } // namespace
 
 FileSlots::Batch::Batch(FileSlots &table, Access expected)
@@ -88,7 +136,7 @@ FileSlots::Batch::Batch(FileSlots &table, Access expected)
 FileSlots::Batch::~Batch()
 {
     if (--m_slots.m_batchDepth == 0)
-        m_slots.forget();
+        m_slots.endBatch();
 }
 
 FileSlots::~FileSlots()
@@ -105,69 +153,127 @@ FileSlots &FileSlots::process()
 
 FileSlots::Known &FileSlots::ask(const QByteArray &name)
 {
-    if (!m_known.asked || m_known.name != name) {
-        forget();
-        m_known.name = name;
-        m_known.asked = true;
-        if (m_batchAccess == Read) {
-            int fd;
-            do
-                fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-            while (fd < 0 && errno == EINTR);
-            if (fd >= 0 && ::fstat(fd, &m_known.st) == 0) {
-                m_known.readFd = fd;
-                return m_known;
-            }
-            if (fd >= 0)
-                ::close(fd);
-            else if (errno == ENOENT || errno == ENOTDIR) {
-                m_known.error = errno;
-                return m_known;
-            }
-            // Unreadable, or the like: the length query may still answer.
+    if (m_known.asked && m_known.name == name)
+        return m_known;
+    if (reuse(name))
+        return m_known;
+    forget();
+    m_known.name = name;
+    m_known.asked = true;
+    if (m_batchAccess == Read) {
+        // Read before the file's stamps: see changesMustShow.
+        timespec before{};
+        ::clock_gettime(CLOCK_REALTIME_COARSE, &before);
+        const int fd = openQuietly(name, FileSlots::Read);
+        if (fd >= 0 && ::fstat(fd, &m_known.st) == 0) {
+            m_known.readFd = fd;
+            m_known.keepable = changesMustShow(fd, m_known.st, before);
+            return m_known;
         }
-        m_known.error = ::stat(name.constData(), &m_known.st) == 0 ? 0 : errno;
+        if (fd >= 0)
+            ::close(fd);
+        else if (errno == ENOENT || errno == ENOTDIR) {
+            m_known.error = errno;
+            return m_known;
+        }
+        // Unreadable, or the like: the length query may still answer.
     }
+    m_known.error = ::stat(name.constData(), &m_known.st) == 0 ? 0 : errno;
     return m_known;
+}
+
+// What the reading batch before learnt of this file, when a status query
+// shows the file unchanged since.
+bool FileSlots::reuse(const QByteArray &name)
+{
+    if (!m_known.keepable || m_known.asked || m_batchAccess != Read || m_known.name != name)
+        return false;
+    struct stat now;
+    if (::stat(name.constData(), &now) != 0 || !sameStatus(now, m_known.st))
+        return false;
+    m_known.st = now;
+    m_known.asked = true;
+    m_known.reused = true;
+    return true;
+}
+
+int FileSlots::knownReadFd()
+{
+    if (m_known.readFd < 0)
+        m_known.readFd = openFile(m_known.name, Read);
+    return m_known.readFd;
+}
+
+// A slot still reading through the batch's handle (one left open by a
+// failure) takes it over; a further such slot gets a copy of its own. With
+// no handle yet (knowledge reused) the first opens one. A slot for which
+// the system refuses a handle ends up closed.
+void FileSlots::handOver()
+{
+    int given = -1;
+    for (int n = FirstSlot; m_borrowers > 0 && n <= LastSlot; ++n) {
+        Slot &s = m_slots[n];
+        if (!s.borrowed)
+            continue;
+        --m_borrowers;
+        s.borrowed = false;
+        if (given >= 0) {
+            s.fd = ::fcntl(given, F_DUPFD_CLOEXEC, 0);
+        } else if (m_known.readFd >= 0) {
+            s.fd = given = m_known.readFd;
+            m_known.readFd = -1;
+        } else {
+            s.fd = given = openQuietly(m_known.name, Read);
+        }
+        if (s.fd < 0)
+            s = Slot{};
+    }
 }
 
 void FileSlots::forget()
 {
-    // A slot still reading through the batch's handle (one left open by a
-    // failure) takes it over; a second such slot gets a copy of its own
-    // (or, should the system refuse the copy, ends up closed).
-    if (m_known.readFd >= 0) {
-        bool handedOver = false;
-        for (int n = FirstSlot; m_borrowers > 0 && n <= LastSlot; ++n) {
-            Slot &s = m_slots[n];
-            if (!s.borrowed)
-                continue;
-            --m_borrowers;
-            s.borrowed = false;
-            if (handedOver)
-                s.fd = ::fcntl(m_known.readFd, F_DUPFD_CLOEXEC, 0);
-            handedOver = true;
-        }
-        if (!handedOver)
-            ::close(m_known.readFd);
-    }
+    handOver();
+    if (m_known.readFd >= 0)
+        ::close(m_known.readFd);
     m_known = Known{};
 }
 
-const QByteArray &FileSlots::nativeName(const QString &path)
+void FileSlots::endBatch()
 {
+    if (!m_known.keepable) {
+        forget();
+        return;
+    }
+    // Kept for the next batch without its handle, to be checked first.
+    handOver();
+    if (m_known.readFd >= 0)
+        ::close(m_known.readFd);
+    m_known.readFd = -1;
+    m_known.asked = false;
+    m_known.reused = false;
+}
+
+// The path in the system's encoding, or null for one that no file can have.
+// The last one is kept, since a call asks for one file several times.
+const QByteArray *FileSlots::nativeName(const QString &path)
+{
+    if (path.isEmpty())
+        return nullptr;
     if (path != m_lastPath) {
+        if (!validPath(path))
+            return nullptr;
         m_lastName = QFile::encodeName(path);
         m_lastPath = path;
     }
-    return m_lastName;
+    return &m_lastName;
 }
 
 std::int64_t FileSlots::FileLen(const QString &path)
 {
-    if (!validPath(path))
+    const QByteArray *native = nativeName(path);
+    if (!native)
         basic::raise(basic::FileNotFound);
-    const QByteArray name = nativeName(path);
+    const QByteArray &name = *native;
     if (m_batchDepth > 0) {
         const Known &k = ask(name);
         if (k.error != 0)
@@ -183,18 +289,19 @@ std::int64_t FileSlots::FileLen(const QString &path)
 int FileSlots::FreeFile() const
 {
     for (int n = FirstSlot; n <= LastSlot; ++n)
-        if (m_slots[n].fd < 0)
+        if (!m_slots[n].isOpen())
             return n;
     basic::raise(TooManyFiles);
 }
 
 void FileSlots::Open(int slot, const QString &path, Access access)
 {
-    if (!validNumber(slot) || !validPath(path))
+    const QByteArray *native = validNumber(slot) ? nativeName(path) : nullptr;
+    if (!native)
         basic::raise(basic::BadFileNameOrNumber);
-    if (m_slots[slot].fd >= 0)
+    if (m_slots[slot].isOpen())
         basic::raise(basic::FileAlreadyOpen);
-    const QByteArray name = nativeName(path);
+    const QByteArray &name = *native;
 
     if (m_batchDepth > 0) {
         Known &k = ask(name);
@@ -203,9 +310,10 @@ void FileSlots::Open(int slot, const QString &path, Access access)
         if (!S_ISREG(k.st.st_mode))
             basic::raise(basic::PathFileAccessError);
         if (access == Read) {
-            if (k.readFd < 0)
+            // Reused knowledge opens a handle only for a read past the tail.
+            if (k.readFd < 0 && !k.reused)
                 k.readFd = openFile(name, Read);
-            m_slots[slot] = Slot{k.readFd, true, Read, 0, k.st.st_size};
+            m_slots[slot] = Slot{-1, true, Read, 0, k.st.st_size};
             ++m_borrowers;
         } else {
             m_slots[slot] = Slot{openFile(name, Write), false, Write, 0, k.st.st_size};
@@ -242,12 +350,12 @@ void FileSlots::Reset()
 
 bool FileSlots::IsOpen(int slot) const
 {
-    return validNumber(slot) && m_slots[slot].fd >= 0;
+    return validNumber(slot) && m_slots[slot].isOpen();
 }
 
 const FileSlots::Slot &FileSlots::openSlot(int slot) const
 {
-    if (!validNumber(slot) || m_slots[slot].fd < 0)
+    if (!validNumber(slot) || !m_slots[slot].isOpen())
         basic::raise(basic::BadFileNameOrNumber);
     return m_slots[slot];
 }
@@ -274,13 +382,13 @@ void FileSlots::Get(int slot, std::int64_t offset, unsigned char *into, std::int
     const std::int64_t tailStart = m_known.st.st_size - std::int64_t(m_known.tail.size());
     if (s.borrowed && tailStart >= 0 && offset >= tailStart && offset + count <= m_known.st.st_size) {
         if (!m_known.tailRead) {
-            readAt(s.fd, tailStart, m_known.tail.data(), std::int64_t(m_known.tail.size()));
+            readAt(knownReadFd(), tailStart, m_known.tail.data(), std::int64_t(m_known.tail.size()));
             m_known.tailRead = true;
         }
         std::memcpy(into, m_known.tail.data() + (offset - tailStart), static_cast<size_t>(count));
         return;
     }
-    readAt(s.fd, offset, into, count);
+    readAt(s.borrowed ? knownReadFd() : s.fd, offset, into, count);
 }
 
 void FileSlots::Seek(int slot, std::int64_t offset)
@@ -307,8 +415,10 @@ void FileSlots::Put(int slot, const unsigned char *from, std::int64_t count)
     }
     s.position += done;
     s.length = std::max(s.length, s.position);
-    // What the batch read or asked may be out of date now.
+    // What the batch read or asked may be out of date now, and what an
+    // earlier batch learnt is not to be trusted any more.
     m_known.tailRead = false;
+    m_known.keepable = false;
     if (m_known.asked && s.length > m_known.st.st_size)
         forget();
 }

@@ -24,6 +24,15 @@ namespace music {
 // still happens in the table with all its failures; only the system calls
 // behind them are saved. A caller wraps one call of its own in a batch, for
 // which the file is taken to stay what it was.
+//
+// What a reading batch learnt of its file (length, kind, last 128 bytes)
+// may serve the next reading batch on the same path, which then asks the
+// system for the file's status alone and starts afresh unless inode, length,
+// owner, mode and both time stamps are still the same. The knowledge is kept
+// only when no change can leave all of that as it was: the file system is
+// stamped by this kernel to below the millisecond, and the file's last change
+// lies a tick of the stamping clock before we looked. Any write through the
+// table and any writing batch drop it; no handle is kept for it.
 class FileSlots {
 public:
     enum Access { Read, Write };
@@ -86,20 +95,24 @@ public:
 
 private:
     struct Slot {
-        int fd = -1;
-        bool borrowed = false; // the fd is the batch's, not the slot's
+        int fd = -1;           // a handle of the slot's own
+        bool borrowed = false; // reads through the batch's handle instead
         Access access = Read;
         std::int64_t position = 0;
         std::int64_t length = 0;
+
+        bool isOpen() const { return fd >= 0 || borrowed; }
     };
 
     // What the running batch knows of the one file it works on.
     struct Known {
         QByteArray name;
-        bool asked = false;
-        int error = 0; // errno of the length query, 0 when it answered
+        bool asked = false;    // asked by the running batch
+        int error = 0;         // errno of the length query, 0 when it answered
         struct stat st {};
-        int readFd = -1;
+        int readFd = -1;       // opened when first needed
+        bool reused = false;   // taken over from an earlier batch
+        bool keepable = false; // may serve a later batch; see above
         // The last bytes of the file, where the tag routines read twice.
         std::array<unsigned char, 128> tail{};
         bool tailRead = false;
@@ -107,9 +120,13 @@ private:
 
     const Slot &openSlot(int slot) const;
     Slot &openSlot(int slot);
-    const QByteArray &nativeName(const QString &path);
+    const QByteArray *nativeName(const QString &path);
     Known &ask(const QByteArray &name);
+    bool reuse(const QByteArray &name);
+    int knownReadFd();
+    void handOver();
     void forget();
+    void endBatch();
 
     std::array<Slot, LastSlot + 1> m_slots{};
     int m_batchDepth = 0;

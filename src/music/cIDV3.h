@@ -15,7 +15,8 @@ class ListControl;
 // blank members, apart from the Genre setter, which raises. The tag
 // routines share file slot 1 of the process; see FileSlots. Each public
 // call that touches the file runs as one FileSlots::Batch, so its several
-// opens of the file cost the system one.
+// opens of the file cost the system one, and a call on the file the call
+// before read costs a status query while the file is unchanged.
 class cIDV3 {
 public:
     cIDV3();

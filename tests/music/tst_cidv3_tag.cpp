@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
 
@@ -60,6 +61,23 @@ int errorOf(const std::function<void()> &f)
     return 0;
 }
 
+void overwrite(const QString &path, qint64 offset, const QByteArray &bytes)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadWrite) || !f.seek(offset) || f.write(bytes) != bytes.size())
+        qFatal("cannot overwrite %s", qPrintable(path));
+}
+
+// Runs change, then puts the file's modification time back.
+void keepingModificationTime(const QString &path, const std::function<void()> &change)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat st {};
+    ::stat(name.constData(), &st);
+    change();
+    const timespec times[2] = {st.st_atim, st.st_mtim};
+    ::utimensat(AT_FDCWD, name.constData(), times, 0);
+}
 
 } // namespace
 
@@ -81,6 +99,7 @@ private slots:
     void refusedFilesAnswerFalse();
     void otherKindsOfPath();
     void noHandleOutlivesACall();
+    void changesBetweenCallsAreSeen();
 
 private:
     QTemporaryDir m_dir;
@@ -487,6 +506,45 @@ void tst_cidv3_tag::noHandleOutlivesACall()
     QCOMPARE(openHandles(), before);
     for (int n = music::FileSlots::FirstSlot; n <= music::FileSlots::LastSlot; ++n)
         QVERIFY(!music::FileSlots::process().IsOpen(n));
+}
+
+void tst_cidv3_tag::changesBetweenCallsAreSeen()
+{
+    // What one call read may serve the next only while the file is as it
+    // was. Each change keeps the length and the modification time.
+    const QByteArray audio = filler(600);
+    const QString other = QDir(m_dir.path()).filePath("other.mp3");
+    struct Case {
+        const char *name;
+        std::function<void(const QString &)> change;
+        bool tagged;
+        QString title;
+    };
+    const QList<Case> cases = {
+        {"marker overwritten", [](const QString &p) { overwrite(p, 600, "XYZ"); }, false, QString()},
+        {"title overwritten", [](const QString &p) { overwrite(p, 603, "New"); }, true, QStringLiteral("New")},
+        {"replaced",
+         [&](const QString &p) {
+             write(m_dir.path(), "other.mp3", audio + block("TAG", "Other", "", "", "", "", 4));
+             QVERIFY(::rename(QFile::encodeName(other).constData(), QFile::encodeName(p).constData()) == 0);
+         },
+         true, QStringLiteral("Other")},
+        {"removed", [](const QString &p) { QFile::remove(p); }, false, QString()},
+    };
+    for (const Case &c : cases) {
+        const QString path = write(m_dir.path(), "changed.mp3", audio + block("TAG", "Old", "", "", "", "", 4));
+        QTest::qSleep(50); // the last change lies some ticks of the system clock back
+        const int handles = openHandles();
+        cIDV3 t;
+        t.setfilename(path);
+        QVERIFY2(t.HasTag(), c.name);
+        QCOMPARE(openHandles(), handles);
+        keepingModificationTime(path, [&] { c.change(path); });
+        QVERIFY2(t.HasTag() == c.tagged, c.name);
+        t.setfilename(path);
+        QVERIFY2(t.Title() == c.title, c.name);
+        QCOMPARE(openHandles(), handles);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_cidv3_tag)
