@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <type_traits>
+#include <concepts>
 
 using basic::Integer;
 using basic::Long;
@@ -28,6 +28,8 @@ constexpr int XingCountOffset = 44;
 // Everything the analysis can touch: the search reads up to offset 5000,
 // the "Xing" count of a frame at 4999 ends at 5046.
 constexpr int HeadBytes = LastSearchOffset + XingCountOffset + 4;
+// Enough for a frame at the start of the file, with its "Xing" count.
+constexpr int ShortHeadBytes = 64;
 
 constexpr int BadRecordNumber = 63;
 
@@ -105,20 +107,52 @@ constexpr std::array<Integer, 15> Mpeg1Layer3 = {0, 32, 40, 48, 56, 64, 80, 96, 
 constexpr std::array<Integer, 15> Mpeg2Layer1 = {0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256};
 constexpr std::array<Integer, 15> Mpeg2Layer23 = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
 
-// A piece of InfoString: text, or a number in plain decimal.
-template <class Part>
-void append(QString &to, const Part &part)
-{
-    if constexpr (std::is_integral_v<Part>) {
-        char digits[24];
-        const char *end = std::to_chars(digits, digits + sizeof digits, part).ptr;
-        to += QLatin1String(digits, end - digits);
-    } else if constexpr (std::is_same_v<Part, QString>) {
-        to += part;
-    } else {
-        to += QLatin1String(part);
+// InfoString's parts, gathered in one buffer before they become one
+// string: the lines are short and their parts many. Numbers are written in
+// plain decimal.
+class InfoText {
+public:
+    template <std::size_t N>
+    InfoText &operator<<(const char (&ascii)[N])
+    {
+        put(ascii, N - 1);
+        return *this;
     }
-}
+    InfoText &operator<<(const QString &text)
+    {
+        if (char16_t *to = room(text.size()))
+            std::copy_n(QStringView(text).utf16(), text.size(), to);
+        return *this;
+    }
+    template <std::integral T>
+    InfoText &operator<<(T number)
+    {
+        char digits[24];
+        const char *end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        put(digits, end - digits);
+        return *this;
+    }
+    QString text() const { return QString(reinterpret_cast<const QChar *>(m_chars.data()), m_size); }
+
+private:
+    // Ten lines of fixed words and short values never come near the end.
+    char16_t *room(qsizetype n)
+    {
+        if (n > qsizetype(m_chars.size()) - m_size)
+            return nullptr;
+        char16_t *at = m_chars.data() + m_size;
+        m_size += n;
+        return at;
+    }
+    void put(const char *ascii, qsizetype n)
+    {
+        if (char16_t *to = room(n))
+            std::transform(ascii, ascii + n, to, [](char c) { return char16_t(static_cast<unsigned char>(c)); });
+    }
+
+    std::array<char16_t, 512> m_chars;
+    qsizetype m_size = 0;
+};
 
 // The bitrate key: the decimal text of the version followed by that of the
 // layer, taken as a number.
@@ -263,18 +297,31 @@ void cIDV3::ReadMpegInfo()
     next([&] { s.Open(ff, m_filename, music::FileSlots::Read); });
     next([&] { m_FileBytes = basic::narrow<Long>(s.LOF(ff)); });
 
-    // One read of all the bytes the search and the header reads can reach,
-    // in place of reading them one at a time; past the end they are zero,
-    // and a read of a slot that failed to open fails each time.
-    std::array<std::uint8_t, HeadBytes> head{};
+    // The bytes the search and the header reads can reach, read in place of
+    // one at a time; past the end they are zero, and a read of a slot that
+    // failed to open fails each time. Most files have their frame at the
+    // very start, so the rest of the 5 KB is read only when a read goes
+    // past the first 64 bytes, and then at once: a failure of that read
+    // fails every byte, as one read of it all would.
+    std::array<std::uint8_t, HeadBytes> head; // filled as far as loaded
+    int loaded = 0;
     bool readable = false;
+    auto load = [&](int upTo) {
+        s.Get(ff, loaded, head.data() + loaded, upTo - loaded);
+        loaded = upTo;
+    };
     next([&] {
-        s.Get(ff, 0, head.data(), head.size());
+        load(ShortHeadBytes);
         readable = true;
     });
     auto byteAt = [&](Long q) -> std::uint8_t {
         if (q < 0)
             basic::raise(BadRecordNumber);
+        if (readable && q >= loaded) {
+            readable = false;
+            load(HeadBytes);
+            readable = true;
+        }
         if (!readable)
             basic::raise(basic::BadFileNameOrNumber);
         return head[static_cast<std::size_t>(q)];
@@ -376,20 +423,18 @@ void cIDV3::ReadMpegInfo()
     });
 
     // Ten lines, numbers in plain decimal, no line end behind the last.
-    QString info;
-    info.reserve(256);
-    const auto add = [&info](const auto &...parts) { (append(info, parts), ...); };
-    add("Size: ", m_FileBytes, " bytes\r\n");
-    add("Length: ", m_Seconds, " seconds\r\n");
-    add("MPEG ", versionText(m_MpegVersion), " layer ", m_LayerVersion, "\r\n");
-    add(m_Kbits, "kbit, ", m_Frames, " frames\r\n");
-    add(m_Hz, "hz ", m_Mode, "\r\n");
-    add("Private: ", m_PrivateBit, "\r\n");
-    add("CRCs: ", m_CRCs, "\r\n");
-    add("Copyrighted: ", m_Copyrighted, "\r\n");
-    add("Original: ", m_Original, "\r\n");
-    add("Emphasis: ", m_Emphasis);
-    m_InfoString = info;
+    InfoText info;
+    info << "Size: " << m_FileBytes << " bytes\r\n";
+    info << "Length: " << m_Seconds << " seconds\r\n";
+    info << "MPEG " << versionText(m_MpegVersion) << " layer " << m_LayerVersion << "\r\n";
+    info << m_Kbits << "kbit, " << m_Frames << " frames\r\n";
+    info << m_Hz << "hz " << m_Mode << "\r\n";
+    info << "Private: " << m_PrivateBit << "\r\n";
+    info << "CRCs: " << m_CRCs << "\r\n";
+    info << "Copyrighted: " << m_Copyrighted << "\r\n";
+    info << "Original: " << m_Original << "\r\n";
+    info << "Emphasis: " << m_Emphasis;
+    m_InfoString = info.text();
 }
 
 void cIDV3::ClearFields()
@@ -496,19 +541,20 @@ QString cIDV3::BytesToBits(std::array<std::uint8_t, 4> &bytes)
     // Leading zero bits are left out, so an all-zero group gives the empty
     // text and a field cut by position moves; kept as it stands. The bytes
     // are used up.
-    QString bits;
-    bits.reserve(32);
+    std::array<char16_t, 32> bits;
+    qsizetype n = 0;
     for (auto &byte : bytes) {
-        for (int value = 128; value >= 1; value /= 2) {
+        for (int bit = 7; bit >= 0; --bit) {
+            const unsigned value = 1u << bit; // 128 down to 1, so the division is a shift
             if (byte / value == 1) {
-                bits += QLatin1Char('1');
+                bits[static_cast<std::size_t>(n++)] = u'1';
                 byte = static_cast<std::uint8_t>(byte - value);
-            } else if (!bits.isEmpty()) {
-                bits += QLatin1Char('0');
+            } else if (n > 0) {
+                bits[static_cast<std::size_t>(n++)] = u'0';
             }
         }
     }
-    return bits;
+    return QString(reinterpret_cast<const QChar *>(bits.data()), n);
 }
 
 Long cIDV3::BitsToLong(QStringView bits)
