@@ -32,7 +32,10 @@ namespace music {
 // only when no change can leave all of that as it was: the file system is
 // stamped by this kernel to below the millisecond, and the file's last change
 // lies a tick of the stamping clock before we looked. Any write through the
-// table and any writing batch drop it; no handle is kept for it.
+// table and any writing batch drop it; no handle is kept for it. What the
+// status cannot tell is another program's write caught halfway (stamped
+// before we looked, its bytes copied after we read) or its stores into a
+// mapping it already dirtied: those show from the file's next change on.
 class FileSlots {
 public:
     enum Access { Read, Write };
