@@ -87,6 +87,14 @@ void readAt(int fd, std::int64_t offset, unsigned char *into, std::int64_t count
     std::memset(into + done, 0, static_cast<size_t>(count - done));
 }
 
+// Equal text, told at once when both hold the same characters in memory,
+// as the paths of one call mostly do.
+template <class Text>
+bool sameText(const Text &a, const Text &b)
+{
+    return (a.constData() == b.constData() && a.size() == b.size()) || a == b;
+}
+
 std::int64_t nanoseconds(const timespec &t)
 {
     return std::int64_t(t.tv_sec) * 1000000000 + t.tv_nsec;
@@ -153,7 +161,7 @@ FileSlots &FileSlots::process()
 
 FileSlots::Known &FileSlots::ask(const QByteArray &name)
 {
-    if (m_known.asked && m_known.name == name)
+    if (m_known.asked && sameText(m_known.name, name))
         return m_known;
     if (reuse(name))
         return m_known;
@@ -186,7 +194,7 @@ FileSlots::Known &FileSlots::ask(const QByteArray &name)
 // shows the file unchanged since.
 bool FileSlots::reuse(const QByteArray &name)
 {
-    if (!m_known.keepable || m_known.asked || m_batchAccess != Read || m_known.name != name)
+    if (!m_known.keepable || m_known.asked || m_batchAccess != Read || !sameText(m_known.name, name))
         return false;
     struct stat now;
     if (::stat(name.constData(), &now) != 0 || !sameStatus(now, m_known.st))
@@ -259,7 +267,7 @@ const QByteArray *FileSlots::nativeName(const QString &path)
 {
     if (path.isEmpty())
         return nullptr;
-    if (path != m_lastPath) {
+    if (!sameText(path, m_lastPath)) {
         if (!validPath(path))
             return nullptr;
         m_lastName = QFile::encodeName(path);
