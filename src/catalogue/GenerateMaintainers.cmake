@@ -1,0 +1,51 @@
+# Turns an addresses file (key<TAB>value a line, "#" for comments) into the
+# C++ constants behind product::MaintainersMail and its neighbours. Every
+# key must be there, once. Run with -DADDRESSES=<file> -DOUTPUT=<file.cpp>.
+set(keys mail donation-account payment-host forum-name forum-page)
+set(names MaintainersMail DonationAccount PaymentHost ForumName ForumPage)
+file(STRINGS "${ADDRESSES}" lines ENCODING UTF-8)
+set(n 0)
+foreach(line IN LISTS lines)
+  math(EXPR n "${n} + 1")
+  string(STRIP "${line}" stripped)
+  if(stripped STREQUAL "" OR stripped MATCHES "^#")
+    continue()
+  endif()
+  if(line MATCHES "[\";\\\\]")
+    message(FATAL_ERROR "${ADDRESSES}:${n}: quotes, semicolons and backslashes are not allowed")
+  endif()
+  if(NOT line MATCHES "^([a-z-]+)\t+(.+)$")
+    message(FATAL_ERROR "${ADDRESSES}:${n}: expected key<TAB>value")
+  endif()
+  set(key "${CMAKE_MATCH_1}")
+  string(STRIP "${CMAKE_MATCH_2}" value)
+  list(FIND keys "${key}" at)
+  if(at LESS 0)
+    message(FATAL_ERROR "${ADDRESSES}:${n}: unknown key '${key}'")
+  endif()
+  if(DEFINED value_${key})
+    message(FATAL_ERROR "${ADDRESSES}:${n}: '${key}' given twice")
+  endif()
+  set(value_${key} "${value}")
+endforeach()
+
+set(rows "")
+foreach(key name IN ZIP_LISTS keys names)
+  if(NOT DEFINED value_${key})
+    message(FATAL_ERROR "${ADDRESSES}: no '${key}'")
+  endif()
+  string(APPEND rows "const char product::${name}[] = \"${value_${key}}\";\n")
+endforeach()
+
+set(text "// Generated from ${ADDRESSES} at build time. Do not edit.
+#include \"catalogue/Product.h\"
+
+${rows}")
+# Rewrite only on change, so an unchanged file rebuilds nothing.
+if(EXISTS "${OUTPUT}")
+  file(READ "${OUTPUT}" old)
+  if(old STREQUAL text)
+    return()
+  endif()
+endif()
+file(WRITE "${OUTPUT}" "${text}")
