@@ -351,11 +351,13 @@ void frmInterfaces::cmdHide_Click()
 }
 
 // Minimising is the one way to hiding, so the minimise box and cmdHide
-// behave alike.
+// behave alike. With no notification area there is no icon to come back
+// by, so the window stays an ordinary minimised one.
 void frmInterfaces::changeEvent(QEvent *event)
 {
     Form::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange && (windowState() & Qt::WindowMinimized))
+    if (event->type() == QEvent::WindowStateChange && (windowState() & Qt::WindowMinimized)
+        && platform().tray.isAvailable())
         guard([this] { hide(); });
 }
 

@@ -7,6 +7,11 @@ RealTray::~RealTray()
     qDeleteAll(m_icons);
 }
 
+bool RealTray::isAvailable() const
+{
+    return QSystemTrayIcon::isSystemTrayAvailable();
+}
+
 bool RealTray::notifyIcon(int command, const NotifyIconData &data)
 {
     const Key key(data.hWnd, data.uID);

@@ -14,6 +14,7 @@ class RealTray : public Tray {
 public:
     ~RealTray() override;
     bool notifyIcon(int command, const NotifyIconData &data) override;
+    bool isAvailable() const override;
 
 private:
     using Key = QPair<QWidget *, int>;

@@ -35,6 +35,11 @@ public:
     // Delete of an icon that is not there answer false and change nothing.
     virtual bool notifyIcon(int command, const NotifyIconData &data) = 0;
 
+    // Whether the desktop has a notification area at all. Where it has none
+    // (stock GNOME), a window that went to the tray could never come back,
+    // so minimising stays an ordinary minimise.
+    virtual bool isAvailable() const = 0;
+
 signals:
     void callback(QWidget *window, int id, int message);
 };

@@ -62,6 +62,19 @@ class ScriptedShell : public Shell {
 public:
     void open(const QString &target) override { opened.append(target); }
     QStringList opened;
+
+    struct Call {
+        QString verb, file, parameters, directory;
+        int showCommand;
+    };
+    int execute(const QString &verb, const QString &file, const QString &parameters, const QString &directory,
+                int showCommand) override
+    {
+        executed.append({verb, file, parameters, directory, showCommand});
+        return answer;
+    }
+    QList<Call> executed;
+    int answer = 42; // what the shell call answers
 };
 
 class ScriptedProcess : public Process {

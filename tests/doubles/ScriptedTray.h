@@ -15,6 +15,8 @@ public:
         bool answer;
     };
     bool notifyIcon(int command, const NotifyIconData &data) override;
+    bool isAvailable() const override { return available; }
+    bool available = true; // false: a desktop with no notification area
 
     // Reports a mouse action on an icon as the area would.
     void click(QWidget *window, int id, int message) { emit callback(window, id, message); }
