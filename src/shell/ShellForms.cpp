@@ -6,6 +6,7 @@
 #include "platform/Forms.h"
 #include "shell/Form2.h"
 #include "shell/Mainmap.h"
+#include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 
 void defineForms(Platform &platform)
@@ -15,6 +16,7 @@ void defineForms(Platform &platform)
     forms.define(QStringLiteral("Form2"), [&platform] { return std::make_unique<Form2>(platform); });
     forms.define(QStringLiteral("Mainmap"), [&platform] { return std::make_unique<Mainmap>(platform); });
     forms.define(QStringLiteral("Form1"), [&platform] { return std::make_unique<Form1>(platform); });
+    forms.define(QStringLiteral("frmMain"), [&platform] { return std::make_unique<frmMain>(platform); });
     forms.define(QStringLiteral("frmInterfaces"), [&platform] { return std::make_unique<frmInterfaces>(platform); });
     int count = 0;
     const PanelTraits *panels = allPanelTraits(&count);

@@ -1,0 +1,3 @@
+#include "shell/Snow.h"
+
+std::array<Particle, SnowLast + 1> Snow{};
