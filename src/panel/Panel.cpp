@@ -15,6 +15,7 @@
 #include "platform/OleColor.h"
 #include "platform/Process.h"
 #include "platform/StationEngine.h"
+#include "platform/Tray.h"
 #include "platform/Twips.h"
 #include "widgets/ClickLabel.h"
 #include "widgets/GlowButton.h"
@@ -126,6 +127,7 @@ Panel::Panel(Platform &platform, const PanelTraits &traits)
     auto sound = isStation() ? PlayerSound::of(*m_player) : PlayerSound::of(*m_localPlayer);
     m_mixer = std::make_unique<MixerSection>(platform, this, std::move(sound));
     shareLowerDeck(*this, *m_mixer);
+    buildChrome();
 }
 
 Panel::~Panel() = default;
@@ -324,9 +326,11 @@ void Panel::Load()
     // 3.
     if (name == QLatin1String("Malfm"))
         setWindowIcon(forms.form(QStringLiteral("Tafm"))->windowIcon());
-    // 4. The swinging window icon: with the chrome.
+    // 4. The swinging window icon (Tafm's own icon stands until it shows its mast).
     if (name == QLatin1String("Tafm"))
         setWindowIcon(QIcon(loadPicture(platform().app.file(QStringLiteral("\\img\\panel\\icon.svg")), QSize(32, 32))));
+    if (m_traits.animatesIcon)
+        prepareIcon();
     // 5.
     m_mixer->OpenMixerLines();
     // 6.
@@ -415,6 +419,7 @@ void Panel::closeEvent(QCloseEvent *event)
 
 void Panel::Form_Unload()
 {
-    // The tray icon goes first, with the chrome; then the end.
+    // The shared record names the last panel that went to the tray.
+    platform().tray.notifyIcon(Tray::Delete, TrayIcon);
     platform().process.end();
 }

@@ -3,6 +3,11 @@
 #include "panel/PanelTraits.h"
 #include "platform/Form.h"
 
+#include <QHash>
+#include <QIcon>
+#include <QVariant>
+
+#include <cstdint>
 #include <memory>
 
 class AnimationSurface;
@@ -187,6 +192,56 @@ private:
 
 public:
     // ---- end of local music ----
+
+    // ---- Chrome: the spots, the tray, the swinging icon, the shell toolkit (PanelChrome.cpp) ----
+    // (Elaborated names: this block keeps its own declarations.)
+    Timer *icntimer = nullptr;
+    QLabel *Picture1 = nullptr; // the icon's drawing board, never shown
+    QLabel *Picture2 = nullptr; // Tafm only: the fixed mast picture
+    class QMenu *mnusystray = nullptr; // "Systray", where the panel has a tray
+    class QAction *mnuRestore = nullptr;
+    QAction *Space1 = nullptr;
+    QAction *mnuexit = nullptr;
+
+    // The icon frame, a position on the 1000-twip board, and whether it rises.
+    std::int32_t iconFrame() const { return m_iconFrame; }
+    bool iconFlag() const { return m_iconFlag; }
+    static constexpr int BoardTwips = 1000;
+
+    void Label8_Click();
+    void Label10_Click();
+    void Donate_Click();
+    void mnuRestore_Click();
+    void mnuexit_Click();
+    void icntimer_Timer();
+    void AnimateIcon();
+    void Form_Resize();
+    void Form_MouseMove(int button, int shift, double x, double y);
+    QVariant Errora();
+    QString Run(QString &File, QString &Parameters, QString &Directory);
+    static QString DonationAddress();
+    static struct NotifyIconData TrayIcon; // the one tray record, shared by every panel
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+
+private:
+    void buildChrome();
+    void prepareIcon(); // Load's step 4
+    const QIcon &boardIcon(std::int32_t frame);
+    void showIcon(const QIcon &icon);
+    std::int32_t m_iconFrame = 0;
+    bool m_iconFlag = true;
+    QHash<std::int32_t, QIcon> m_boards; // each frame drawn once
+    QIcon m_board;                       // the board as AnimateIcon left it
+    QIcon m_picture2;
+    QIcon m_iconWanted;                  // what the window shows once it is on screen
+
+public:
+    // ---- end of chrome ----
 
     static constexpr double ScrollOrigin = 10320;
     static constexpr double LeftTurn = 1920;

@@ -23,6 +23,9 @@ struct PanelTraits {
     bool animatesIcon;        // the swinging window icon
     bool label9StopsFirst;    // leaving for Mp3: stop and hide before showing Mp3
     bool hasSts2Handler;      // sts2 would hand over to stss, had anything enabled it
+    bool label10Minimises;    // Label10 is the minimise spot (in kanna it is a notice)
+    bool thanksFirst;         // Donate thanks in a box before the page opens
+    bool fixedIcon;           // the window icon is the fixed mast picture, though the board swings
 };
 
 const PanelTraits &panelTraits(const QString &name); // unknown names raise error 5
