@@ -5,17 +5,36 @@
 //   bench_panels [seconds] [url]     needs an X display
 // With a URL, Tafm is shown instead, tuned to that stream by the same steps
 // a station click takes (URL, StationName, sts, stss), its title scrolling.
+//   bench_panels fader [moves]       needs an X display
+// Moves Tafm's master fader and times each move until the sound server
+// reports its sink changed (pactl subscribe, a client of its own): median
+// and spread, beside the time the move itself took in the handler.
+// On a machine with no sound card the panels' mixer is the sound server
+// through ALSA's "default": a PulseAudio null sink is started for the run
+// (scripts/services/pulse.sh), so that no panel stops at the no-mixer box.
 
+#include "ServicePeer.h"
+#include "mixer/MixerFader.h"
+#include "mixer/MixerSection.h"
 #include "panel/Panel.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
 #include "platform/RealPlatform.h"
+#include "platform/alsa/AlsaMixerDevice.h"
 #include "platform/StationEngine.h"
 #include "shell/ShellForms.h"
 
 #include <QDir>
+#include <QGroupBox>
+#include <QThread>
+#include <QElapsedTimer>
 #include <QLabel>
+#include <QProcess>
 #include <QTimer>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
 
 #include <cstdio>
 #include <cstdlib>
@@ -38,12 +57,74 @@ double wallSeconds()
     return t.tv_sec + t.tv_nsec / 1e9;
 }
 
+// A sound server for the mixer when the machine has no card; null when it has one.
+std::unique_ptr<ServicePeer> soundServer(int seconds)
+{
+    if (AlsaMixerDevice::deviceName() != "default")
+        return nullptr;
+    auto pulse = std::make_unique<ServicePeer>(QStringLiteral("pulse.sh"), QStringList{}, seconds + 60);
+    if (!pulse->ok()) {
+        std::fprintf(stderr, "no sound server: %s\n", qPrintable(pulse->error()));
+        std::exit(1);
+    }
+    qputenv("PULSE_SERVER", pulse->value(QStringLiteral("SERVER")).toUtf8());
+    qputenv("PULSE_CLIENTCONFIG", pulse->value(QStringLiteral("CLIENTCONF")).toUtf8());
+    qputenv("XDG_RUNTIME_DIR", pulse->value(QStringLiteral("RUNTIME")).toUtf8());
+    return pulse;
+}
+
+double median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// Each move of the master fader, timed to the sink's change event.
+void faderLatency(Panel &tafm, int moves)
+{
+    QProcess events;
+    events.start(QStringLiteral("stdbuf"), {"-oL", "pactl", "subscribe"});
+    events.waitForStarted(5000);
+    QThread::msleep(300);
+    events.readAllStandardOutput();
+    std::vector<double> toServer, inHandler;
+    MixerFader *fader = tafm.mixer()->VolumeControl[0];
+    for (int i = 0; i < moves; ++i) {
+        const int position = i % 2 ? 20000 : 40000 + i; // each move a new level
+        QElapsedTimer t;
+        t.start();
+        fader->setSliderPosition(position);
+        inHandler.push_back(t.nsecsElapsed() / 1e6);
+        QByteArray seen;
+        while (!seen.contains("on sink") && events.waitForReadyRead(2000))
+            seen += events.readAllStandardOutput();
+        if (!seen.contains("on sink")) {
+            std::printf("move %d: the sink never changed\n", i);
+            break;
+        }
+        toServer.push_back(t.nsecsElapsed() / 1e6);
+        QThread::msleep(5);
+        events.readAllStandardOutput(); // a late duplicate belongs to no move
+    }
+    events.kill();
+    events.waitForFinished(2000);
+    if (toServer.empty())
+        return;
+    std::printf("fader move to the sound server's change, %zu moves: median %.2f ms (min %.2f, max %.2f); "
+                "the move in its handler: median %.2f ms\n",
+                toServer.size(), median(toServer), *std::min_element(toServer.begin(), toServer.end()),
+                *std::max_element(toServer.begin(), toServer.end()), median(inHandler));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const int seconds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 30;
-    const QString url = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+    const bool fader = argc > 1 && QByteArray(argv[1]) == "fader";
+    const int seconds = !fader && argc > 1 ? std::max(1, std::atoi(argv[1])) : 30;
+    const int moves = fader && argc > 2 ? std::max(1, std::atoi(argv[2])) : 200;
+    const QString url = !fader && argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+    std::unique_ptr<ServicePeer> pulse = soundServer(seconds);
     int qtArgc = 1;
     char *qtArgv[] = {argv[0], nullptr};
     GuardedApplication application(qtArgc, qtArgv);
@@ -52,6 +133,17 @@ int main(int argc, char **argv)
     real.app.Path = QDir(real.app.Path).filePath(QStringLiteral("..")); // img/ sits beside the program, one up
     application.setBoundary(real.dialogs, real.process);
     defineForms(real.platform);
+
+    if (fader) {
+        boundary::run(real.dialogs, real.process, [&] {
+            auto *tafm = real.forms.get<Panel>(QStringLiteral("Tafm"));
+            real.forms.Show(QStringLiteral("Tafm"));
+            faderLatency(*tafm, moves);
+        });
+        std::fflush(stdout);
+        pulse.reset(); // the server goes before the quick exit, which runs no destructor
+        std::_Exit(0);
+    }
 
     boundary::run(real.dialogs, real.process, [&] {
         for (const char *name : {"Tafm", "Afm", "Malfm", "kanna", "Mp3"})
@@ -82,9 +174,12 @@ int main(int argc, char **argv)
         std::printf("%s, %.0f s: CPU %.2f %% of one core, peak RSS %.1f MiB\n",
                     url.isEmpty() ? "map shown, five panels loaded and hidden" : "Tafm shown, tuned and scrolling",
                     wall, 100.0 * cpu / wall, u.ru_maxrss / 1024.0);
+        std::printf("  mixer: %s, Master strip %s\n", pulse ? "PulseAudio null sink through ALSA default" : "the first sound card",
+                    real.forms.get<Panel>(QStringLiteral("Tafm"))->mixer()->VolFrame[0]->isHidden() ? "missing" : "shown");
         if (!url.isEmpty()) // what the status line said at the end, so a stalled stream is not taken for a quiet one
             std::printf("  status: \"%s\"\n", qPrintable(real.forms.get<Panel>(QStringLiteral("Tafm"))->cptn->text()));
         std::fflush(stdout);
+        pulse.reset();
         std::_Exit(0);
     });
     return application.exec();

@@ -304,8 +304,22 @@ std::uint32_t AlsaMixerDevice::write(std::uint32_t handle, std::uint32_t control
     long min = 0, max = 0;
     if (f.part == Part::Volume && range(e, f.side, &min, &max) < 0)
         return mixer::GeneralError;
+    // One value for every channel is one request to the sound server.
+    if (count == 1 || std::all_of(values, values + count, [&](std::uint32_t v) { return v == values[0]; })) {
+        int err = 0;
+        if (f.part == Part::Switch) {
+            const int on = values[0] ? 0 : 1;
+            err = f.side == Side::Capture ? snd_mixer_selem_set_capture_switch_all(e, on)
+                                          : snd_mixer_selem_set_playback_switch_all(e, on);
+        } else {
+            const long v = fromLevel(values[0], min, max);
+            err = f.side == Side::Capture ? snd_mixer_selem_set_capture_volume_all(e, v)
+                                          : snd_mixer_selem_set_playback_volume_all(e, v);
+        }
+        return err < 0 ? mixer::GeneralError : mixer::NoError;
+    }
     for (std::uint32_t c = 0; c < f.channels; ++c) {
-        const std::uint32_t value = values[count == 1 ? 0 : c];
+        const std::uint32_t value = values[c];
         const snd_mixer_selem_channel_id_t ch = Channels[c];
         int err = 0;
         if (f.part == Part::Switch) {
