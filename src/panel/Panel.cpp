@@ -321,8 +321,12 @@ void Panel::Load()
     if (name == QLatin1String("kanna"))
         setWindowIcon(forms.form(QStringLiteral("Tafm"))->windowIcon()); // loads Tafm, hidden, timers and all
     // 2. The close command and its separator are cut from the system menu.
+    // Told as hints of our own, or the window manager draws its default
+    // frame, close box and all.
     if (m_traits.cutsSystemMenu)
-        setWindowFlag(Qt::WindowCloseButtonHint, false);
+        setWindowFlags((windowFlags() | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
+                        | Qt::WindowMinMaxButtonsHint)
+                       & ~Qt::WindowCloseButtonHint);
     // 3.
     if (name == QLatin1String("Malfm"))
         setWindowIcon(forms.form(QStringLiteral("Tafm"))->windowIcon());

@@ -13,6 +13,11 @@
 #   mp3_list         Mp3 widened and unfolded by its spots; a click on a song of the
 #                    folder it started in plays it under its own title at once, and
 #                    the program writes nothing on stdout or stderr
+#   tray_restore     on a display of its own with a tray host (trayer): Tafm minimised
+#                    by the window manager hides behind a tray icon, whose menu's
+#                    Restore brings it back and takes the icon away
+#   tray_absent      on a display of its own with no tray host: Tafm's own minimise
+#                    spot leaves an ordinary minimised window that comes back
 set -uo pipefail
 case_name=$1 program=$2 shots=$3
 mkdir -p "$shots"
@@ -215,6 +220,94 @@ mp3_list)
   visible '^ a\.mp3$' || fail "Clear List changed the title"
   kill -0 "${pids[0]}" 2>/dev/null || fail "the program ended"
   [ -s "$scratch/out.log" ] && { cat "$scratch/out.log"; fail "the program wrote on its streams"; }
+  ;;
+
+tray_restore | tray_absent)
+  # A display of its own, so that whether a tray host runs is this case's
+  # choice alone. Its servers are bounded and stopped by PID.
+  soft=()
+  trap 'for p in "${soft[@]}"; do kill "$p" 2>/dev/null; done; cleanup' EXIT
+  for n in $(seq 140 180); do
+    [ -e "/tmp/.X11-unix/X$n" ] || [ -e "/tmp/.X$n-lock" ] || break
+  done
+  timeout 85 setpriv --pdeathsig TERM Xvfb ":$n" -screen 0 1280x1024x24 -nolisten tcp >"$scratch/xvfb.log" 2>&1 &
+  soft+=($!)
+  export DISPLAY=":$n"
+  for _ in $(seq 1 100); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+  xdpyinfo >/dev/null 2>&1 || fail "no display of its own"
+  timeout 85 setpriv --pdeathsig TERM openbox --sm-disable >"$scratch/openbox.log" 2>&1 &
+  soft+=($!)
+  sleep 0.5
+  if [ "$case_name" = tray_restore ]; then
+    command -v trayer >/dev/null || { echo "SKIP: trayer is not installed"; exit 77; }
+    timeout 85 setpriv --pdeathsig TERM trayer --edge top --align right --widthtype pixel --width 64 --heighttype pixel --height 32 \
+      --expand false --transparent false >"$scratch/trayer.log" 2>&1 &
+    soft+=($!)
+    for _ in $(seq 1 50); do xwininfo -root -tree | grep -q '("panel" "trayer")' && break; sleep 0.1; done
+  fi
+  start_online route
+  map=$(wait_window 9000 '^Form2$') || { cat "$scratch/out.log"; fail "no map window"; }
+  eval "$(xdotool getwindowgeometry --shell "$map")"
+  sleep 0.3
+  xdotool mousemove $((X + 270)) $((Y + 250)) click 1
+  # With no sound server here the panel's load says it found no mixer: OK.
+  panel=""
+  for _ in $(seq 1 60); do
+    for box in $(xdotool search --onlyvisible --name '^Zarvent$' 2>/dev/null); do
+      xdotool windowactivate --sync "$box" key Return 2>/dev/null
+    done
+    panel=$(xdotool search --onlyvisible --name '^FM$' 2>/dev/null | head -n 1)
+    [ -n "$panel" ] && break
+    sleep 0.1
+  done
+  [ -n "$panel" ] || { cat "$scratch/out.log"; fail "the Tamil region opened no panel"; }
+  sleep 0.5
+  wm_state() { xprop -id "$panel" WM_STATE 2>/dev/null | awk '/window state/ {print $3}'; }
+  tray_icon() { # the program's window embedded in the tray host, if any
+    local host
+    host=$(xwininfo -root -tree | awk '/\("panel" "trayer"\)/ {print $1; exit}')
+    [ -n "$host" ] && xwininfo -tree -id "$host" | awk '/\("zarvent" "Zarvent"\)/ {print $1; exit}'
+  }
+
+  if [ "$case_name" = tray_restore ]; then
+    xdotool windowminimize "$panel"
+    icon=""
+    for _ in $(seq 1 30); do
+      icon=$(tray_icon)
+      [ -n "$icon" ] && ! visible '^FM$' && break
+      sleep 0.1
+    done
+    [ -n "$icon" ] || fail "no tray icon after the minimise"
+    visible '^FM$' && fail "the panel is still on screen"
+    [ "$(wm_state)" = Iconic ] && fail "the panel is an ordinary minimised window, not in the tray"
+    eval "$(xdotool getwindowgeometry --shell "$icon")"
+    xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) click 1
+    sleep 0.6
+    import -window root "$shots/tray-menu.png" 2>/dev/null || true
+    xdotool key Down Return # the menu's first entry: Restore
+    wait_window 3000 '^FM$' >/dev/null || fail "Restore did not bring the panel back"
+    for _ in $(seq 1 20); do [ -z "$(tray_icon)" ] && break; sleep 0.1; done
+    [ -z "$(tray_icon)" ] || fail "the tray icon stayed after Restore"
+    [ "$(wm_state)" = Normal ] || fail "the panel came back as '$(wm_state)'"
+  else
+    click_in "$panel" 668 240 # Label10, the panel's own minimise
+    for _ in $(seq 1 30); do [ "$(wm_state)" = Iconic ] && break; sleep 0.1; done
+    [ "$(wm_state)" = Iconic ] || fail "the panel is '$(wm_state)', not minimised"
+    [ -z "$(tray_icon)" ] || fail "a tray icon with no tray host"
+    xdotool windowactivate --sync "$panel" 2>/dev/null
+    wait_window 3000 '^FM$' >/dev/null || fail "the minimised panel did not come back"
+  fi
+  # A station panel has no close command: the window manager is offered no
+  # close function (openbox draws its close button all the same), and its
+  # close request (Alt+F4) changes nothing.
+  xprop -id "$panel" _MOTIF_WM_HINTS | awk -F'= ' '/_MOTIF_WM_HINTS/ {split($2, h, ", "); exit !(h[1] % 2 == 1 && int(h[2] / 32) % 2 == 0)}' \
+    || fail "the window manager is offered a close: $(xprop -id "$panel" _MOTIF_WM_HINTS)"
+  xdotool windowactivate --sync "$panel" key --clearmodifiers alt+F4 2>/dev/null
+  sleep 0.5
+  visible '^FM$' || fail "the window manager's close took the panel away"
+  kill -0 "${pids[0]}" 2>/dev/null || fail "the program ended"
+  sleep 0.5
+  import -window root "$shots/$case_name.png" 2>/dev/null || true
   ;;
 
 *)
