@@ -133,11 +133,14 @@ const QIcon &Panel::boardIcon(std::int32_t frame)
     return *m_boards.insert(frame, QIcon(board));
 }
 
-// A window that nobody sees is not told: the icon reaches it when it shows.
+// Only a change reaches the window. A swinging frame goes only to a window
+// on screen (a hidden one gets the frame of the moment when it shows); a
+// fixed picture goes at once, as it costs one push in all, and the panels
+// that borrow Tafm's icon then find it there.
 void Panel::showIcon(const QIcon &icon)
 {
     m_iconWanted = icon;
-    if (isVisible() && windowIcon().cacheKey() != icon.cacheKey())
+    if ((isVisible() || m_traits.fixedIcon) && windowIcon().cacheKey() != icon.cacheKey())
         setWindowIcon(icon);
 }
 
