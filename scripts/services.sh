@@ -3,8 +3,28 @@
 
 services_pids=()
 services_dir=$(mktemp -d /tmp/zarvent-services.XXXXXX)
+services_scripts=$(cd "$(dirname "${BASH_SOURCE[0]}")/services" && pwd)
+
+# The program opens the machine's mixer as each panel loads: the first sound
+# card, else ALSA's "default", which is the sound server when one runs. With
+# neither, every panel stops at the no-mixer box, so the desktop the real
+# program meets gets a PulseAudio null sink of its own, reached through
+# PULSE_SERVER.
+services_start_sound() {
+  if grep -qs '^ *[0-9]' /proc/asound/cards || pactl info >/dev/null 2>&1; then
+    return 0
+  fi
+  command -v pulseaudio >/dev/null || return 0
+  local out
+  out=$(bash "$services_scripts/pulse.sh" start "$services_dir/pulse" 10800) ||
+    { echo "services: the sound server did not start"; return 1; }
+  PULSE_SERVER=$(sed -n 's/^SERVER=//p' <<<"$out")
+  PULSE_CLIENTCONFIG=$(sed -n 's/^CLIENTCONF=//p' <<<"$out")
+  export PULSE_SERVER PULSE_CLIENTCONFIG
+}
 
 services_start_display() {
+  services_start_sound || return 1
   if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
     return 0
   fi
@@ -28,6 +48,7 @@ services_start_display() {
 
 services_stop() {
   local pid
+  [ -d "$services_dir/pulse" ] && bash "$services_scripts/pulse.sh" stop "$services_dir/pulse"
   for pid in "${services_pids[@]}"; do
     kill "$pid" 2>/dev/null || true
   done
