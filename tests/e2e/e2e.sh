@@ -306,6 +306,7 @@ tray_restore | tray_absent)
   sleep 0.5
   visible '^FM$' || fail "the window manager's close took the panel away"
   kill -0 "${pids[0]}" 2>/dev/null || fail "the program ended"
+  [ -s "$scratch/out.log" ] && { cat "$scratch/out.log"; fail "the program wrote on its streams"; }
   sleep 0.5
   import -window root "$shots/$case_name.png" 2>/dev/null || true
   ;;

@@ -104,6 +104,9 @@ void tst_about::flakeStep_data()
                                             << QList<float>{0.1f, 0.9f, 0.7f} << QList<int>{3, 0, 0, 0, 0};
     QTest::newRow("bottom row, held") << QList<QPoint>{} << QList<int>{2, 4, 9} << QList<float>{0.5f, 0.5f}
                                       << QList<int>{2, 4, 10, 2, 4};
+    // A flake below the surface (placed there) is held, then sent back up.
+    QTest::newRow("below the surface") << QList<QPoint>{} << QList<int>{2, 5, 0} << QList<float>{0.5f, 0.5f, 0.9f}
+                                       << QList<int>{4, 0, 0, 0, 0};
     QTest::newRow("bottom row, at rest") << QList<QPoint>{} << QList<int>{2, 4, 10} << QList<float>{0.5f, 0.5f, 0.1f}
                                          << QList<int>{0, 0, 0, 0, 0};
 }
