@@ -5,57 +5,32 @@
 
 #include <cmath>
 
-namespace {
-
-QRgb rgb(std::uint32_t ole)
-{
-    return qRgb(ole & 0xFF, (ole >> 8) & 0xFF, (ole >> 16) & 0xFF);
-}
-
-// Pixel positions round to the nearest pixel, as the drawing calls always did.
-int pixel(double v)
+int DrawingSurface::pixel(double v)
 {
     return static_cast<int>(std::lround(v));
 }
 
-} // namespace
-
 void DrawingSurface::setSize(int width, int height)
 {
-    m_image = QImage(width, height, QImage::Format_RGB32);
+    m_width = std::max(width, 0);
+    m_height = std::max(height, 0);
+    m_pixels.assign(static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height), 0);
+    m_image = QImage(reinterpret_cast<uchar *>(m_pixels.data()), m_width, m_height, m_width * 4, QImage::Format_RGB32);
     Cls();
 }
 
 void DrawingSurface::Cls()
 {
-    m_image.fill(rgb(BackColor));
+    std::fill(m_pixels.begin(), m_pixels.end(), rgb(BackColor));
     CurrentX = 0;
     CurrentY = 0;
-    changed(m_image.rect());
-}
-
-void DrawingSurface::PSet(double x, double y, std::uint32_t colour)
-{
-    const int px = pixel(x), py = pixel(y);
-    if (px < 0 || py < 0 || px >= m_image.width() || py >= m_image.height())
-        return;
-    reinterpret_cast<QRgb *>(m_image.scanLine(py))[px] = rgb(colour);
-    changed(QRect(px, py, 1, 1));
-}
-
-std::int32_t DrawingSurface::Point(double x, double y) const
-{
-    const int px = pixel(x), py = pixel(y);
-    if (px < 0 || py < 0 || px >= m_image.width() || py >= m_image.height())
-        return -1;
-    const QRgb v = reinterpret_cast<const QRgb *>(m_image.constScanLine(py))[px];
-    return qRed(v) | (qGreen(v) << 8) | (qBlue(v) << 16);
+    changed(QRect(0, 0, m_width, m_height));
 }
 
 void DrawingSurface::Line(double x1, double y1, double x2, double y2)
 {
     QPainter p(&m_image);
-    p.setPen(QPen(QColor(rgb(ForeColor)), DrawWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    p.setPen(QPen(QColor(QRgb(rgb(ForeColor))), DrawWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     const QPointF a(pixel(x1), pixel(y1)), b(pixel(x2), pixel(y2));
     p.drawLine(a, b);
     const int grow = DrawWidth / 2 + 1;
@@ -68,7 +43,7 @@ void DrawingSurface::Print(const QString &text)
 {
     QPainter p(&m_image);
     p.setFont(Font);
-    p.setPen(QColor(rgb(ForeColor)));
+    p.setPen(QColor(QRgb(rgb(ForeColor))));
     const QFontMetricsF metrics(Font);
     const QPointF at(CurrentX, CurrentY);
     // Only the letters are drawn: what lies between them stays as it was.
@@ -90,7 +65,10 @@ double DrawingSurface::TextHeight(const QString &) const
 
 QRect DrawingSurface::takeChanged()
 {
-    const QRect r = m_changed & m_image.rect();
-    m_changed = QRect();
+    QRect r;
+    if (m_changedLeft <= m_changedRight && m_changedTop <= m_changedBottom)
+        r = QRect(QPoint(m_changedLeft, m_changedTop), QPoint(m_changedRight, m_changedBottom)) & m_image.rect();
+    m_changedLeft = m_changedTop = INT32_MAX;
+    m_changedRight = m_changedBottom = INT32_MIN;
     return r;
 }

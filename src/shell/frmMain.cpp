@@ -51,10 +51,14 @@ ClickLabel *label(QWidget *parent, const char *name, int left, int top, int widt
     return l;
 }
 
-// Int(): the integer part, toward minus infinity.
+// Int() into a 16-bit field: the integer part, toward minus infinity,
+// and error 6 beyond the field's range.
 Integer intPart(double v)
 {
-    return basic::CInt(std::floor(v));
+    const double whole = std::floor(v);
+    if (!(whole >= -32768.0 && whole <= 32767.0))
+        basic::raise(basic::Overflow);
+    return static_cast<Integer>(whole);
 }
 
 } // namespace
