@@ -1,12 +1,14 @@
 // The mixer section of a panel on a scripted mixer device: the lines found
 // at Load and their quirks, the level and balance arithmetic, the group
 // fader, the two mutes and the player chain.
+#include "basic/RuntimeError.h"
 #include "doubles/ScriptedPlatform.h"
 #include "mixer/MixerFader.h"
 #include "mixer/MixerSection.h"
 #include "mixer/Nebular1.h"
 #include "mixer/PlayerFader.h"
 #include "panel/Panel.h"
+#include "platform/Twips.h"
 #include "platform/alsa/AlsaMixerDevice.h"
 #include "shell/ShellForms.h"
 #include "widgets/ClickLabel.h"
@@ -103,6 +105,9 @@ void tst_mixer_section::loadCrossesRawFieldsAndMarksMissingLines()
         QCOMPARE(m->Text5->text(), QString("0.152601861742713"));
         QCOMPARE(m->Text3->text(), QString("32768"));
         QCOMPARE(m->lineRecord[3].dwControlID, 0u);
+        // The strips lie whole inside the unfolded, narrow panel.
+        const QRect unfolded(0, 0, twips::toPixels(Panel::LoadedWidth), twips::toPixels(Panel::UnfoldLimit + 20));
+        QVERIFY(unfolded.contains(m->f1->geometry()));
         // Load's refresh reads the crossed raw fields.
         QCOMPARE(m->T0[0]->text(), QString("100"));
         // Strip 5 shows the telephone's 6000, or AUX's 4000 where it is missing.
@@ -120,6 +125,18 @@ void tst_mixer_section::loadCrossesRawFieldsAndMarksMissingLines()
             QVERIFY(!m->BalanceControl[10]->isHidden() && !m->BalanceControl[11]->isHidden());
         } else {
             QVERIFY(!m->VolFrame[10]->isHidden());
+        }
+    }
+
+    // A position outside a fader's range is an invalid property value.
+    World outside;
+    MixerSection *any = outside.open(QStringLiteral("Afm"));
+    for (int position : {-1, 65536}) {
+        try {
+            any->VolumeControl[0]->setValue(position);
+            QFAIL("no error for a position out of range");
+        } catch (const basic::RuntimeError &e) {
+            QCOMPARE(e.number(), int(basic::InvalidPropertyValue));
         }
     }
 
@@ -192,6 +209,7 @@ void tst_mixer_section::levelAndBalanceArithmetic()
     w.sp.mixer.writes.clear();
     drag(m->VolumeControl[7], 0);
     QCOMPARE(w.lastWrite().controlId, w.id(mixer::SynthesizerSource, mixer::Volume));
+    QCOMPARE(w.lastWrite().values, (V{65535, 65535})); // MIDI is a stereo strip
     QCOMPARE(m->T0[7]->text(), QString("100"));
     QCOMPARE(m->Text7->text(), QString("10.0007630093087"));
 }
@@ -212,6 +230,10 @@ void tst_mixer_section::staleLineLevel()
     QCOMPARE(w.lastWrite().controlId, w.id(mixer::Speakers, mixer::Treble));
     QCOMPARE(w.lastWrite().values, (V{20000}));
     QCOMPARE(m->Text10->text(), QString("3.05203723485427"));
+    // The bass takes its own level when its own fader moves.
+    drag(m->VolumeControl[11], 65535 - 123);
+    QCOMPARE(w.lastWrite().controlId, w.id(mixer::Speakers, mixer::Bass));
+    QCOMPARE(w.lastWrite().values, (V{123}));
     // The microphone's level record was never filled: its writes go nowhere.
     const int before = w.sp.mixer.writes.size();
     drag(m->VolumeControl[3], 0);
@@ -284,6 +306,9 @@ void tst_mixer_section::lineMutes()
     QCOMPARE(w.lastWrite().values, (V{1}));
     m->MuteOn[1]->click();
     QCOMPARE(w.lastWrite().controlId, micMute); // muteOnControl last held the microphone's
+    // The last strip with a pair, the PC speaker, finds its own.
+    m->MuteOff[9]->click();
+    QCOMPARE(w.lastWrite().controlId, w.id(mixer::PcSpeakerSource, mixer::Mute));
 }
 
 void tst_mixer_section::playerFaderThresholdsAndMuteGap()
@@ -293,6 +318,9 @@ void tst_mixer_section::playerFaderThresholdsAndMuteGap()
     ScriptedStationEngine *engine = w.sp.media.stations.first();
     QCOMPARE(m->Volumesl->Value(), 100); // Load's 2000, held at the top
     QCOMPARE(engine->vol, 50);           // and no handler ran
+    // The pictures lie under the spot that takes the click.
+    for (QLabel *image : m->Image3)
+        QCOMPARE(image->geometry(), m->mutel->geometry());
 
     auto shown = [&] {
         int only = -1, count = 0;
