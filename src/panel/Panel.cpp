@@ -6,6 +6,7 @@
 #include "mixer/MixerSection.h"
 #include "mixer/PlayerFader.h"
 #include "mixer/PlayerSound.h"
+#include "panel/VuDisplay.h"
 #include "platform/AnimationSurface.h"
 #include "platform/AppInfo.h"
 #include "platform/Clock.h"
@@ -24,12 +25,15 @@
 #include "widgets/zzSlider.h"
 
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QFrame>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace {
 
@@ -83,20 +87,23 @@ QLineEdit *box(QWidget *parent, const char *name)
     return e;
 }
 
-// The lower deck holds the tag editor and the mixer side by side: the
-// editor keeps the left part, its fields still wide enough for 30
-// characters, and the strips take the right part.
-void shareLowerDeck(Panel &p, MixerSection &mixer)
+// The lower deck holds the tag editor, the "VU Meter" frame and the mixer
+// side by side: the editor keeps the left part, its fields still wide
+// enough for 30 characters, the meter stands between, and the strips take
+// the right part.
+void shareLowerDeck(Panel &p, MixerSection &mixer, VuDisplay &display)
 {
-    constexpr int FieldWidth = 3360;
-    twips::place(p.Frame2, 240, 4920, 4560, 2880);
+    constexpr int FieldWidth = 2760;
+    twips::place(p.Frame2, 240, 4920, 3960, 2880);
     for (QLineEdit *field : {p.txtFilename, p.txtTitle, p.txtArtist, p.txtAlbum, p.txtYear, p.txtComment})
         field->resize(twips::toPixels(FieldWidth), field->height());
-    twips::place(p.mpeginfo, 4920, 4920, 3000, 2400);
-    twips::place(p.lblInfo, 120, 300, 2760, 1980);
-    twips::place(p.cmdsave, 4920, 7440, 840, 405);
-    twips::place(p.cmdcancel, 5820, 7440, 1200, 405);
-    twips::place(p.cmdremove, 7080, 7440, 840, 405);
+    p.cboGenre->resize(std::min(p.cboGenre->width(), twips::toPixels(FieldWidth)), p.cboGenre->height());
+    twips::place(p.mpeginfo, 4260, 4920, 2700, 2400);
+    twips::place(p.lblInfo, 120, 300, 2460, 1980);
+    twips::place(p.cmdsave, 4260, 7440, 780, 405);
+    twips::place(p.cmdcancel, 5100, 7440, 1020, 405);
+    twips::place(p.cmdremove, 6180, 7440, 780, 405);
+    display.place(7020, 4860);
     mixer.place(8040, 4860);
 }
 
@@ -126,7 +133,8 @@ Panel::Panel(Platform &platform, const PanelTraits &traits)
     buildLocalMusic();
     auto sound = isStation() ? PlayerSound::of(*m_player) : PlayerSound::of(*m_localPlayer);
     m_mixer = std::make_unique<MixerSection>(platform, this, std::move(sound));
-    shareLowerDeck(*this, *m_mixer);
+    m_display = new VuDisplay(platform, this, *m_mixer);
+    shareLowerDeck(*this, *m_mixer, *m_display);
     buildChrome();
 }
 
@@ -346,7 +354,8 @@ void Panel::Load()
     setWidth(LoadedWidth);
     // 9. Nothing runs it yet.
     m_pstate->setFileName(platform().app.file(QStringLiteral("\\img\\play.gif")));
-    // 10. The mixer LEDs: with the display.
+    // 10.
+    m_display->ctrlled->setEnabled(true);
     // 11.
     m_mixer->RefreshPercents();
     // 12. The editor's buttons: with the tag editor.

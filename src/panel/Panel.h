@@ -63,6 +63,8 @@ public:
 
     // The mixer: strips in the lower deck, the player's fader on the skin.
     MixerSection *mixer() const { return m_mixer.get(); }
+    // The level bars on the strips and the "VU Meter" frame.
+    class VuDisplay *display() const { return m_display; }
 
     // Controls by role, named as on the form.
     ClickLabel *Main;
@@ -299,4 +301,5 @@ private:
     double m_fNameLeft = ScrollOrigin;
     double m_fileHeight = 7815;
     std::unique_ptr<MixerSection> m_mixer; // after the engines, which it reaches
+    VuDisplay *m_display = nullptr;        // a child: its bars live in the mixer's strips
 };
