@@ -18,7 +18,8 @@
 // through ALSA's "default": a PulseAudio null sink is started for the run
 // (scripts/services/pulse.sh), so that no panel stops at the no-mixer box.
 
-#include "ServicePeer.h"
+#include "SoundServer.h"
+#include "Usage.h"
 #include "mixer/MixerFader.h"
 #include "mixer/MixerSection.h"
 #include "panel/Panel.h"
@@ -26,7 +27,6 @@
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
 #include "platform/RealPlatform.h"
-#include "platform/alsa/AlsaMixerDevice.h"
 #include "platform/StationEngine.h"
 #include "shell/ShellForms.h"
 #include "widgets/LedProgress.h"
@@ -46,39 +46,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <sys/resource.h>
-#include <time.h>
 
 namespace {
-
-double cpuSeconds()
-{
-    rusage u{};
-    getrusage(RUSAGE_SELF, &u);
-    return u.ru_utime.tv_sec + u.ru_stime.tv_sec + (u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
-}
-
-double wallSeconds()
-{
-    timespec t{};
-    clock_gettime(CLOCK_MONOTONIC, &t);
-    return t.tv_sec + t.tv_nsec / 1e9;
-}
-
-// A sound server for the mixer when the machine has no card; null when it has one.
-std::unique_ptr<ServicePeer> soundServer(int seconds)
-{
-    if (AlsaMixerDevice::deviceName() != "default")
-        return nullptr;
-    auto pulse = std::make_unique<ServicePeer>(QStringLiteral("pulse.sh"), QStringList{}, seconds + 60);
-    if (!pulse->ok()) {
-        std::fprintf(stderr, "no sound server: %s\n", qPrintable(pulse->error()));
-        std::exit(1);
-    }
-    qputenv("PULSE_SERVER", pulse->value(QStringLiteral("SERVER")).toUtf8());
-    qputenv("PULSE_CLIENTCONFIG", pulse->value(QStringLiteral("CLIENTCONF")).toUtf8());
-    qputenv("XDG_RUNTIME_DIR", pulse->value(QStringLiteral("RUNTIME")).toUtf8());
-    return pulse;
-}
 
 double median(std::vector<double> v)
 {
@@ -157,7 +126,7 @@ int main(int argc, char **argv)
                                  : (!named && argc > 1 ? std::max(1, std::atoi(argv[1])) : 30);
     const int moves = (fader || bars) && argc > 2 ? std::max(1, std::atoi(argv[2])) : 200;
     const QString url = !named && argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
-    std::unique_ptr<ServicePeer> pulse = soundServer(seconds);
+    std::unique_ptr<ServicePeer> pulse = soundServerForTheMixer(seconds);
     int qtArgc = 1;
     char *qtArgv[] = {argv[0], nullptr};
     GuardedApplication application(qtArgc, qtArgv);

@@ -2,7 +2,7 @@
 // engine and a manual clock.
 #include "catalogue/Product.h"
 #include "catalogue/Station.h"
-#include "doubles/ScriptedPlatform.h"
+#include "panel/PanelWorld.h"
 #include "panel/Panel.h"
 #include "shell/ShellForms.h"
 #include "widgets/ClickLabel.h"
@@ -16,18 +16,7 @@
 
 namespace {
 
-struct World {
-    ScriptedPlatform sp;
-    World() { defineForms(sp.platform); }
-
-    Panel *open(const QString &name)
-    {
-        sp.forms.Show(name);
-        return sp.forms.get<Panel>(name);
-    }
-    static ScriptedStationEngine *engine(Panel *p) { return static_cast<ScriptedStationEngine *>(p->player()); }
-    void ticks(int n) { sp.clock.advance(16 * n); }
-};
+using World = PanelWorld;
 
 void mouse(QWidget *w, QEvent::Type type, Qt::MouseButton button)
 {

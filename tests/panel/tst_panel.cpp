@@ -1,4 +1,4 @@
-#include "doubles/ScriptedPlatform.h"
+#include "panel/PanelWorld.h"
 #include "panel/Panel.h"
 #include "platform/Twips.h"
 #include "shell/ShellForms.h"
@@ -14,19 +14,7 @@
 
 namespace {
 
-struct World {
-    ScriptedPlatform sp;
-    World() { defineForms(sp.platform); }
-
-    Panel *open(const QString &name)
-    {
-        sp.forms.Show(name);
-        return sp.forms.get<Panel>(name);
-    }
-    ScriptedStationEngine *engine(Panel *p) { return static_cast<ScriptedStationEngine *>(p->player()); }
-    ScriptedAnimation *light(Panel *p) { return static_cast<ScriptedAnimation *>(p->pstate()); }
-    void ticks(int n) { sp.clock.advance(16 * n); }
-};
+using World = PanelWorld;
 
 void move(QWidget *w, QPoint at = QPoint(2, 2))
 {

@@ -1,5 +1,5 @@
 // The level bars and the "VU Meter" frame of a panel, on the scripted mixer.
-#include "doubles/ScriptedPlatform.h"
+#include "panel/PanelWorld.h"
 #include "mixer/MixerFader.h"
 #include "mixer/MixerSection.h"
 #include "panel/Panel.h"
@@ -16,15 +16,8 @@ namespace {
 
 const QColor Yellow(255, 255, 0), Red(255, 0, 0), Green(0, 255, 0);
 
-struct World {
-    ScriptedPlatform sp;
-    World() { defineForms(sp.platform); }
-    Panel *open(const QString &name)
-    {
-        sp.forms.Show(name);
-        return sp.forms.get<Panel>(name);
-    }
-    void tick() { sp.clock.advance(16); }
+struct World : PanelWorld {
+    void tick() { ticks(1); }
 };
 
 QList<int> values(const VuDisplay *d)

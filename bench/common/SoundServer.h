@@ -13,11 +13,11 @@
 // through ALSA's "default": a PulseAudio null sink is started for the run
 // (scripts/services/pulse.sh), so that no panel stops at the no-mixer box.
 // Null when the machine has a card.
-inline std::unique_ptr<ServicePeer> soundServerForTheMixer()
+inline std::unique_ptr<ServicePeer> soundServerForTheMixer(int seconds = 540)
 {
     if (AlsaMixerDevice::deviceName() != "default")
         return nullptr;
-    auto pulse = std::make_unique<ServicePeer>(QStringLiteral("pulse.sh"), QStringList{}, 600);
+    auto pulse = std::make_unique<ServicePeer>(QStringLiteral("pulse.sh"), QStringList{}, seconds + 60);
     if (!pulse->ok()) {
         std::fprintf(stderr, "no sound server: %s\n", qPrintable(pulse->error()));
         std::exit(1);
