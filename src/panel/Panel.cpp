@@ -52,7 +52,7 @@ QLabel *picture(QWidget *parent, const AppInfo &app, const char *name, const cha
     const QPixmap pixmap = loadPicture(app.file(QStringLiteral("\\img\\panel\\") + QLatin1String(file)));
     l->setPixmap(pixmap);
     if (!pixmap.isNull())
-        l->resize(pixmap.size());
+        l->resize(pixmap.deviceIndependentSize().toSize());
     return l;
 }
 

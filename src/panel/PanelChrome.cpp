@@ -45,7 +45,7 @@ void Panel::buildChrome()
         Picture2->setObjectName(QStringLiteral("Picture2"));
         const QPixmap mast = loadPicture(platform().app.file(QStringLiteral("\\img\\panel\\mast.svg")), QSize(45, 47));
         Picture2->setPixmap(mast);
-        Picture2->resize(mast.size());
+        Picture2->resize(mast.deviceIndependentSize().toSize());
         m_picture2 = QIcon(mast);
     }
     on(icntimer, &Timer::tick, [this] { icntimer_Timer(); });
