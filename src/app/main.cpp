@@ -1,12 +1,17 @@
 // Zarvent starts at its splash. No argument, no environment variable, no
 // configuration: everything else is found at run time.
 
+#include "panel/PanelNowPlaying.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
 #include "platform/RealPlatform.h"
+#include "platform/qtdesktop/MprisService.h"
 #include "shell/ShellForms.h"
 
+#include <QTimer>
 #include <QtGlobal>
+
+#include <memory>
 
 namespace {
 
@@ -31,5 +36,12 @@ int main(int, char **argv)
     application.setBoundary(real.dialogs, real.process);
     defineForms(real.platform);
     boundary::run(real.dialogs, real.process, [&] { real.forms.Show(QStringLiteral("frmSplash")); });
+
+    // The desktop's media keys and sound menu reach the panel last shown.
+    // The bus is joined once the loop runs, off the road to the splash; with
+    // no session bus there is no service, and nothing is said.
+    PanelNowPlaying nowPlaying(real.platform);
+    std::unique_ptr<MprisService> mpris;
+    QTimer::singleShot(0, &application, [&] { mpris = MprisService::onSessionBus(nowPlaying); });
     return application.exec();
 }

@@ -16,5 +16,9 @@ struct AppInfo {
     // forms write them ("\img\play.gif").
     QString file(const QString &relative) const;
 
-    static AppInfo forExecutable(); // Path = the running executable's folder
+    // Path = the install path of the running executable: its own folder
+    // when img/ lies beside it (the build tree), else ../share/zarvent when
+    // the pictures are there (an installed tree).
+    static AppInfo forExecutable();
+    static QString installPath(const QString &executableFolder);
 };
