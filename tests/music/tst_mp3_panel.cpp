@@ -544,14 +544,11 @@ void tst_mp3_panel::folderChooser()
     QCOMPARE(f->Dir1Path(), QDir::tempPath());
     QTemporaryDir chosen;
     QVERIFY(QDir(chosen.path()).mkpath(QStringLiteral("a\\b")));
-    QVERIFY(QDir(chosen.path()).mkpath(QStringLiteral("c")));
     f->setDir1Path(chosen.path() + QStringLiteral("/a\\b"));
     f->Dir1->setFocus();
-    QTRY_VERIFY(f->Dir1->model()->rowCount(f->Dir1->currentIndex().parent()) == 2);
-    QTest::keyClick(f->Dir1, Qt::Key_Down);
-    QCOMPARE(f->Dir1Path(), chosen.path() + QStringLiteral("/c"));
-    QTest::keyClick(f->Dir1, Qt::Key_Up);
-    QCOMPARE(f->Dir1Path(), chosen.path() + QStringLiteral("/a\\b"));
+    QTest::keyClick(f->Dir1, Qt::Key_Left); // up to the folder above
+    QCOMPARE(f->Dir1Path(), chosen.path());
+    f->setDir1Path(chosen.path() + QStringLiteral("/a\\b"));
 
     // OK moves Mp3's list, backslash and all, and leaves the player; the
     // song there starts under its own name. The next opening is fresh.
