@@ -63,7 +63,7 @@ MprisService::MprisService(NowPlaying &player, const QDBusConnection &bus)
     auto *adaptor = new MprisPlayer(this);
     connect(this, &MprisService::seeked, adaptor, &MprisPlayer::Seeked);
     m_shown = read();
-    if (!m_shown.title.isEmpty() || !m_shown.url.isEmpty())
+    if (!m_shown.title.isEmpty())
         m_track = 1;
     m_poll.setInterval(PollMs);
     m_poll.setTimerType(Qt::CoarseTimer);
@@ -125,16 +125,17 @@ void MprisService::refresh()
 
 QDBusObjectPath MprisService::trackIdOf(const Shown &shown) const
 {
-    if (shown.title.isEmpty() && shown.url.isEmpty())
+    if (shown.title.isEmpty())
         return QDBusObjectPath(QStringLiteral("/org/mpris/MediaPlayer2/TrackList/NoTrack"));
     return QDBusObjectPath(QStringLiteral("/org/zarvent/track/%1/%2").arg(shown.player).arg(m_track));
 }
 
 QVariantMap MprisService::metadataOf(const Shown &shown) const
 {
-    // No track, no metadata: an empty map, as the sound menus expect.
+    // No title, no track (a station click and a loaded file both bring one):
+    // an empty map, as the sound menus expect.
     QVariantMap m;
-    if (shown.title.isEmpty() && shown.url.isEmpty())
+    if (shown.title.isEmpty())
         return m;
     m.insert(QStringLiteral("mpris:trackid"), QVariant::fromValue(trackIdOf(shown)));
     m.insert(QStringLiteral("xesam:title"), shown.title);
