@@ -2,7 +2,7 @@
 //   bench_probe [runs] [url]
 // Run it where the machine has no route out (or inside `unshare -n`).
 
-#include "platform/RealConnection.h"
+#include "platform/posix/RealConnection.h"
 
 #include <QCoreApplication>
 

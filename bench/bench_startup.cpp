@@ -8,7 +8,7 @@
 #include "platform/ErrorBoundary.h"
 #include "platform/Form.h"
 #include "platform/GuardedApplication.h"
-#include "platform/RealPlatform.h"
+#include "app/RealPlatform.h"
 #include "shell/ShellForms.h"
 
 #include <QDir>

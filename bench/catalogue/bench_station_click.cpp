@@ -9,8 +9,8 @@
 #include "doubles/ScriptedPlatform.h"
 #include "panel/Panel.h"
 #include "platform/Platform.h"
-#include "platform/RealMedia.h"
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/RealMedia.h"
+#include "platform/vlc/VlcStationEngine.h"
 #include "shell/ShellForms.h"
 #include "widgets/GlowButton.h"
 

@@ -13,7 +13,7 @@
 #include "panel/PanelNowPlaying.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
-#include "platform/RealPlatform.h"
+#include "app/RealPlatform.h"
 #include "platform/StationEngine.h"
 #include "platform/qtdesktop/MprisService.h"
 #include "shell/ShellForms.h"

@@ -8,10 +8,12 @@
 
 #include "doubles/ScriptedPlatform.h"
 #include "music/FileList.h"
+#include "music/MusicList.h"
+#include "music/TagEditor.h"
 #include "panel/Panel.h"
 #include "platform/LocalEngine.h"
-#include "platform/RealClock.h"
-#include "platform/RealMedia.h"
+#include "platform/qtdesktop/RealClock.h"
+#include "platform/vlc/RealMedia.h"
 #include "shell/ShellForms.h"
 
 #include <QApplication>
@@ -66,9 +68,9 @@ int main(int argc, char **argv)
         defineForms(platform);
         forms.Show(QStringLiteral("Mp3"));
         auto *p = forms.get<Panel>(QStringLiteral("Mp3"));
-        p->fileList()->setPath(dir.path());
+        p->music()->fileList()->setPath(dir.path());
         QTest::qWait(1500); // the panel settles its folds and width
-        p->fileList()->setListIndex(0);
+        p->music()->fileList()->setListIndex(0);
         QElapsedTimer wait;
         wait.start();
         while (p->Player()->PlayState() != 2 && wait.elapsed() < 5000)

@@ -26,7 +26,7 @@
 #include "panel/VuDisplay.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
-#include "platform/RealPlatform.h"
+#include "app/RealPlatform.h"
 #include "platform/StationEngine.h"
 #include "shell/ShellForms.h"
 #include "widgets/LedProgress.h"

@@ -12,9 +12,9 @@
 
 #include "ServicePeer.h"
 #include "platform/LocalEngine.h"
-#include "platform/RealMedia.h"
+#include "platform/vlc/RealMedia.h"
 #include "platform/StationEngine.h"
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/VlcStationEngine.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -14,9 +14,9 @@
 // sound card), so the figures compare the open paths alone.
 
 #include "ServicePeer.h"
-#include "platform/RealMedia.h"
-#include "platform/VlcInstance.h"
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/RealMedia.h"
+#include "platform/vlc/VlcInstance.h"
+#include "platform/vlc/VlcStationEngine.h"
 
 #include <QCoreApplication>
 #include <QDir>

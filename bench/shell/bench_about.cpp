@@ -9,7 +9,7 @@
 #include "Usage.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
-#include "platform/RealPlatform.h"
+#include "app/RealPlatform.h"
 #include "shell/ShellForms.h"
 #include "shell/frmMain.h"
 

@@ -11,7 +11,7 @@
 #include "platform/Clock.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/GuardedApplication.h"
-#include "platform/RealPlatform.h"
+#include "app/RealPlatform.h"
 #include "shell/ShellForms.h"
 
 #include <QDir>

@@ -6,6 +6,8 @@
 #include "mixer/MixerSection.h"
 #include "mixer/PlayerFader.h"
 #include "mixer/PlayerSound.h"
+#include "music/MusicList.h"
+#include "music/TagEditor.h"
 #include "panel/VuDisplay.h"
 #include "platform/AnimationSurface.h"
 #include "platform/AppInfo.h"
@@ -88,21 +90,11 @@ QLineEdit *box(QWidget *parent, const char *name)
 }
 
 // The lower deck holds the tag editor, the "VU Meter" frame and the mixer
-// side by side: the editor keeps the left part, its fields still wide
-// enough for 30 characters, the meter stands between, and the strips take
-// the right part.
-void shareLowerDeck(Panel &p, MixerSection &mixer, VuDisplay &display)
+// side by side: the editor keeps the left part, the meter stands between,
+// and the strips take the right part.
+void shareLowerDeck(TagEditor &editor, MixerSection &mixer, VuDisplay &display)
 {
-    constexpr int FieldWidth = 2760;
-    twips::place(p.Frame2, 240, 4920, 3960, 2880);
-    for (QLineEdit *field : {p.txtFilename, p.txtTitle, p.txtArtist, p.txtAlbum, p.txtYear, p.txtComment})
-        field->resize(twips::toPixels(FieldWidth), field->height());
-    p.cboGenre->resize(std::min(p.cboGenre->width(), twips::toPixels(FieldWidth)), p.cboGenre->height());
-    twips::place(p.mpeginfo, 4260, 4920, 2700, 2400);
-    twips::place(p.lblInfo, 120, 300, 2460, 1980);
-    twips::place(p.cmdsave, 4260, 7440, 780, 405);
-    twips::place(p.cmdcancel, 5100, 7440, 1020, 405);
-    twips::place(p.cmdremove, 6180, 7440, 780, 405);
+    editor.fitLeftOfDeck();
     display.place(7020, 4860);
     mixer.place(8040, 4860);
 }
@@ -130,11 +122,11 @@ Panel::Panel(Platform &platform, const PanelTraits &traits)
     buildTimers();
     connectHandlers();
     buildStations();
-    buildLocalMusic();
+    buildMusic();
     auto sound = isStation() ? PlayerSound::of(*m_player) : PlayerSound::of(*m_localPlayer);
     m_mixer = std::make_unique<MixerSection>(platform, this, std::move(sound));
     m_display = new VuDisplay(platform, this, *m_mixer);
-    shareLowerDeck(*this, *m_mixer, *m_display);
+    shareLowerDeck(*m_tagEditor, *m_mixer, *m_display);
     buildChrome();
 }
 
@@ -381,10 +373,10 @@ bool Panel::keyPreview(QKeyEvent *event)
         return false;
     const bool station = isStation();
     switch (event->key()) {
-    case Qt::Key_P: guard([this, station] { station ? play_Click() : localPlay_Click(); }); return true;
-    case Qt::Key_N: guard([this, station] { station ? next_Click() : localNext_Click(); }); return true;
-    case Qt::Key_R: guard([this, station] { station ? previous_Click() : localPrevious_Click(); }); return true;
-    case Qt::Key_S: guard([this, station] { station ? stop_Click() : localStop_Click(); }); return true;
+    case Qt::Key_P: guard([this, station] { station ? play_Click() : m_music->localPlay_Click(); }); return true;
+    case Qt::Key_N: guard([this, station] { station ? next_Click() : m_music->localNext_Click(); }); return true;
+    case Qt::Key_R: guard([this, station] { station ? previous_Click() : m_music->localPrevious_Click(); }); return true;
+    case Qt::Key_S: guard([this, station] { station ? stop_Click() : m_music->localStop_Click(); }); return true;
     default: return false;
     }
 }

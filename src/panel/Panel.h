@@ -1,5 +1,6 @@
 #pragma once
 
+#include "music/MusicHost.h"
 #include "panel/PanelTraits.h"
 #include "platform/Form.h"
 
@@ -25,7 +26,7 @@ class zzSlider;
 // The player panel: one design, five instances told apart by their traits.
 // Geometry is kept in twips, exactly as the timers step it, and turned into
 // pixels only when it is applied.
-class Panel : public Form {
+class Panel : public Form, private MusicHost {
     Q_OBJECT
 public:
     Panel(Platform &platform, const PanelTraits &traits);
@@ -129,71 +130,28 @@ public:
     void stationTimer1_Timer(); // Timer1's handler in a station panel (Mp3 has its own)
     // ---- end of station selection ----
 
-    // ---- Local music: list, playback, tag editor (PanelMusic.cpp, PanelTagEditor.cpp) ----
-    // The list `file` as its own type: Mp3 only, null in the station panels.
-    class FileList *fileList() const { return m_fileList; }
-    QString SelectedPath; // written by ShowSelectedTag; nothing reads it
-    QPushButton *files = nullptr;
-    QPushButton *flder = nullptr;
-    QPushButton *Command3 = nullptr; // keeps its state in its caption and the folder in "Tag"
-    QPushButton *Command4 = nullptr;
-    QPushButton *clk = nullptr; // Mp3 only, hidden
-    class CommonDialog *CMN() const { return m_cmn.get(); }
-
-    void file_Click(); // the start of a track
-    void clk_Click();
-    void ShowSelectedTag();
-    static QString FileTail(const QString &path);
-    void files_Click();
-    void flder_Click();
-    void Command3_Click();
-    void Command4_Click();
+    // ---- Parts owned by other subsystems ----
+    // The list buttons in every panel, and Mp3's list with its local playback.
+    class MusicList *music() const { return m_music; }
+    // The tag editor, in all five panels; it works in Mp3 only.
+    class TagEditor *tagEditor() const { return m_tagEditor; }
     void fName_Change();
 
-    // Mp3's own transport handlers (the station panels' are play_Click and the rest).
-    void localPlay_Click();
-    void localPausel_Click();
-    void localStop_Click();
-    void localNext_Click();
-    void localPrevious_Click();
-    void Timer1_Timer();
-    void localSlider1_Change();
-    void Slider1_SliderScroll();
-
-    // The tag editor, in all five panels; it works in Mp3 only.
-    class QGroupBox *Frame2 = nullptr;
-    QGroupBox *mpeginfo = nullptr;
-    QLabel *lblInfo = nullptr;
-    QLabel *Label3 = nullptr;
-    QList<QLabel *> lblFields;
-    QLineEdit *txtFilename = nullptr;
-    QLineEdit *txtTitle = nullptr;
-    QLineEdit *txtArtist = nullptr;
-    QLineEdit *txtAlbum = nullptr;
-    QLineEdit *txtYear = nullptr;
-    QLineEdit *txtComment = nullptr;
-    class QComboBox *cboGenre = nullptr;
-    class GlowButton *cmdsave = nullptr;
-    GlowButton *cmdcancel = nullptr;
-    GlowButton *cmdremove = nullptr;
-    QPushButton *Command5 = nullptr; // hidden; its caption takes Save's status word
-    class cIDV3 *mTag() const { return m_mTag.get(); }
-
-    void Command5_Click();
-    void cmdsave_Click();
-    void cmdremove_Click();
-    void cmdcancel_Click();
-
 private:
-    void buildTagEditor();
+    void buildMusic();
     void placeListButtons(); // under the list area, wherever its height stands
-    cIDV3 &madeTag();
-    FileList *m_fileList = nullptr;
-    std::shared_ptr<CommonDialog> m_cmn;
-    std::shared_ptr<cIDV3> m_mTag; // made at first use, kept for the form's life
+    // What the music part asks of its panel.
+    LocalEngine &localEngine() override { return *m_localPlayer; }
+    AnimationSurface &playLight() override { return *m_pstate; }
+    double panelWidth() const override { return m_width; }
+    void openList() override { Label1_Click(); }
+    void resetTitle() override;
+    void showTitle(const QString &text) override;
+    void showTag() override;
+    MusicList *m_music = nullptr;
+    TagEditor *m_tagEditor = nullptr;
 
 public:
-    // ---- end of local music ----
 
     // ---- Chrome: the spots, the tray, the swinging icon, the shell toolkit (PanelChrome.cpp) ----
     // (Elaborated names: this block keeps its own declarations.)
@@ -266,7 +224,6 @@ private:
     void buildTimers();
     void connectHandlers();
     void buildStations();   // PanelStations.cpp
-    void buildLocalMusic(); // PanelMusic.cpp
 
     // Status and transport (station panels).
     void sts_Timer();

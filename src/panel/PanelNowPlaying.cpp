@@ -1,5 +1,6 @@
 #include "panel/PanelNowPlaying.h"
 
+#include "music/MusicList.h"
 #include "panel/Panel.h"
 #include "platform/ErrorBoundary.h"
 #include "platform/LocalEngine.h"
@@ -127,14 +128,14 @@ void PanelNowPlaying::press(Handler &&handler)
 
 void PanelNowPlaying::play()
 {
-    press([](Panel &p) { p.isStation() ? p.play_Click() : p.localPlay_Click(); });
+    press([](Panel &p) { p.isStation() ? p.play_Click() : p.music()->localPlay_Click(); });
 }
 
 void PanelNowPlaying::pause()
 {
     press([](Panel &p) {
         if (!p.isStation())
-            p.localPausel_Click();
+            p.music()->localPausel_Click();
     });
 }
 
@@ -148,17 +149,17 @@ void PanelNowPlaying::playPause()
 
 void PanelNowPlaying::stop()
 {
-    press([](Panel &p) { p.isStation() ? p.stop_Click() : p.localStop_Click(); });
+    press([](Panel &p) { p.isStation() ? p.stop_Click() : p.music()->localStop_Click(); });
 }
 
 void PanelNowPlaying::next()
 {
-    press([](Panel &p) { p.isStation() ? p.next_Click() : p.localNext_Click(); });
+    press([](Panel &p) { p.isStation() ? p.next_Click() : p.music()->localNext_Click(); });
 }
 
 void PanelNowPlaying::previous()
 {
-    press([](Panel &p) { p.isStation() ? p.previous_Click() : p.localPrevious_Click(); });
+    press([](Panel &p) { p.isStation() ? p.previous_Click() : p.music()->localPrevious_Click(); });
 }
 
 void PanelNowPlaying::seekTo(double seconds)
@@ -168,6 +169,6 @@ void PanelNowPlaying::seekTo(double seconds)
     // As a drag of the time line ends: the knob first, then its scroll handler.
     press([seconds](Panel &p) {
         p.Slider1->setValue(static_cast<float>(seconds));
-        p.Slider1_SliderScroll();
+        p.music()->Slider1_SliderScroll();
     });
 }

@@ -3,6 +3,8 @@
 // handlers with their messages. Also where the program finds its pictures.
 #include "catalogue/Station.h"
 #include "music/FileList.h"
+#include "music/MusicList.h"
+#include "music/TagEditor.h"
 #include "panel/PanelNowPlaying.h"
 #include "panel/PanelWorld.h"
 #include "platform/AppInfo.h"
@@ -172,7 +174,7 @@ void tst_now_playing::mp3PressesRunMp3Handlers()
         QVERIFY(f.open(QIODevice::WriteOnly));
     }
     Panel *mp3 = w.open(QStringLiteral("Mp3"));
-    mp3->fileList()->setPath(dir.path());
+    mp3->music()->fileList()->setPath(dir.path());
     ScriptedLocalEngine *engine = w.local(mp3);
 
     // Nothing loaded: Play asks for a song, Previous (not playing) for songs.
@@ -183,7 +185,7 @@ void tst_now_playing::mp3PressesRunMp3Handlers()
 
     // Next starts the first entry; PlayPause pauses, then plays again.
     w.now.next();
-    QCOMPARE(mp3->fileList()->ListIndex(), 0);
+    QCOMPARE(mp3->music()->fileList()->ListIndex(), 0);
     QCOMPARE(engine->file, dir.filePath(QStringLiteral("a.mp3")));
     QCOMPARE(engine->state, 2);
     w.now.playPause();
@@ -208,7 +210,7 @@ void tst_now_playing::mp3PressesRunMp3Handlers()
 
     // A run-time error in a handler ends at the boundary, as a key's would:
     // Previous during play with nothing selected asks the list for -2.
-    mp3->fileList()->setListIndex(-1);
+    mp3->music()->fileList()->setListIndex(-1);
     engine->setFileName(dir.filePath(QStringLiteral("b.mp3")));
     w.now.previous();
     QCOMPARE(w.sp.process.ends, 1);

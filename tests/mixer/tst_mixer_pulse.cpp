@@ -10,7 +10,7 @@
 #include "mixer/PlayerFader.h"
 #include "panel/Panel.h"
 #include "platform/LocalEngine.h"
-#include "platform/RealMedia.h"
+#include "platform/vlc/RealMedia.h"
 #include "platform/alsa/AlsaMixerDevice.h"
 #include "shell/ShellForms.h"
 

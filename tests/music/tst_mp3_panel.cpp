@@ -5,6 +5,8 @@
 #include "music/CommonDialog.h"
 #include "music/DrivePaths.h"
 #include "music/FileList.h"
+#include "music/MusicList.h"
+#include "music/TagEditor.h"
 #include "music/Form1.h"
 #include "music/cIDV3.h"
 #include "panel/Panel.h"
@@ -45,7 +47,7 @@ struct World {
         mp3 = sp.forms.get<Panel>(QStringLiteral("Mp3"));
         list()->setPath(dir.path());
     }
-    FileList *list() { return mp3->fileList(); }
+    FileList *list() { return mp3->music()->fileList(); }
     ScriptedLocalEngine *engine() { return static_cast<ScriptedLocalEngine *>(mp3->Player()); }
     ScriptedAnimation *light() { return static_cast<ScriptedAnimation *>(mp3->pstate()); }
     QStringList prompts() const
@@ -150,8 +152,8 @@ void tst_mp3_panel::drivePathsMapToRoles()
     QCOMPARE(drives::localPath(QStringLiteral("D:\\")), drives::removable());
     // A path of this system keeps its backslashes: they belong to names here.
     QCOMPARE(drives::localPath(QStringLiteral("/tmp\\x")), QString("/tmp\\x"));
-    QCOMPARE(Panel::FileTail(QStringLiteral("/a/b/c.mp3")), QString("/c.mp3"));
-    QCOMPARE(Panel::FileTail(QStringLiteral("c.mp3")), QString());
+    QCOMPARE(MusicList::FileTail(QStringLiteral("/a/b/c.mp3")), QString("/c.mp3"));
+    QCOMPARE(MusicList::FileTail(QStringLiteral("c.mp3")), QString());
     if (drives::removable().isEmpty()) {
         World w;
         try {
@@ -169,9 +171,9 @@ void tst_mp3_panel::selectionStartsATrack()
     ScriptedLocalEngine *e = w.engine();
     Panel *p = w.mp3;
     // With nothing selected clk still loads the editor, the folder alone.
-    p->clk_Click();
-    QCOMPARE(p->SelectedPath, w.list()->Path() + "/");
-    QCOMPARE(p->cboGenre->currentText(), QString("Blues"));
+    p->music()->clk_Click();
+    QCOMPARE(p->music()->SelectedPath, w.list()->Path() + "/");
+    QCOMPARE(p->tagEditor()->cboGenre->currentText(), QString("Blues"));
 
     w.light()->state = 2;
     p->setfNameLeft(5000);
@@ -184,14 +186,14 @@ void tst_mp3_panel::selectionStartsATrack()
     QVERIFY(p->scr1->Enabled());
     QVERIFY(!p->scr2->Enabled());
     QCOMPARE(p->wdth1->text().toDouble(), 10320 - p->fNameWidth());
-    QCOMPARE(p->SelectedPath, w.song("b.mp3"));
-    QCOMPARE(p->txtFilename->text(), w.song("b.mp3"));
+    QCOMPARE(p->music()->SelectedPath, w.song("b.mp3"));
+    QCOMPARE(p->tagEditor()->txtFilename->text(), w.song("b.mp3"));
 
     // An engine that has not reached playing leaves title and scroller alone.
     e->calls.clear();
     p->scr1->setEnabled(false);
     e->state = 3;
-    p->clk_Click();
+    p->music()->clk_Click();
     QCOMPARE(p->fName->text(), QString("b.mp3"));
     QVERIFY(!p->scr1->Enabled());
 
@@ -209,7 +211,7 @@ void tst_mp3_panel::selectionStartsATrack()
     QVERIFY(l->ListIndex() >= 0);
     QCOMPARE(int(l->ListIndex()), l->currentIndex().row());
     l->setListIndex(1);
-    p->localStop_Click();
+    p->music()->localStop_Click();
     e->calls.clear();
     const QPoint row1 = l->visualRect(l->model()->index(1, 0)).center();
     for (int click = 0; click < 2; ++click)
@@ -224,35 +226,35 @@ void tst_mp3_panel::playPauseStop()
     ScriptedLocalEngine *e = w.engine();
     Panel *p = w.mp3;
     // Closed: the message, and the narrow panel opens its list.
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QCOMPARE(w.prompts(), QStringList{"Please Choose a song to play"});
     QCOMPARE(w.sp.dialogs.shown.at(0).title, QString());
     QVERIFY(p->Timer3->Enabled());
     e->state = 3;
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QCOMPARE(w.prompts().size(), 2);
 
     w.list()->setListIndex(0);
     e->calls.clear();
     // Playing: nothing.
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QVERIFY(e->calls.isEmpty());
     QCOMPARE(w.prompts().size(), 2);
     // Pause, and a second Pause does not resume.
-    p->localPausel_Click();
+    p->music()->localPausel_Click();
     QCOMPARE(e->state, 1);
     QVERIFY(p->play->isEnabled());
     QVERIFY(!p->pause->isEnabled());
-    p->localPausel_Click();
+    p->music()->localPausel_Click();
     QCOMPARE(e->calls, QStringList{"Pause"});
     // Play from paused leaves the labels as Pause left them.
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QCOMPARE(e->state, 2);
     QVERIFY(p->play->isEnabled());
     QVERIFY(!p->pause->isEnabled());
     // Play from stopped.
     e->state = 0;
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QCOMPARE(e->state, 2);
     QVERIFY(!p->play->isEnabled());
     QVERIFY(p->pause->isEnabled());
@@ -262,7 +264,7 @@ void tst_mp3_panel::playPauseStop()
     const QString lightFile = w.light()->file;
     w.light()->state = 2;
     e->calls.clear();
-    p->localStop_Click();
+    p->music()->localStop_Click();
     QCOMPARE(e->calls, QStringList({"Stop", "FileName="}));
     QCOMPARE(e->state, 6);
     QCOMPARE(w.light()->file, lightFile);
@@ -270,7 +272,7 @@ void tst_mp3_panel::playPauseStop()
     QCOMPARE(p->dur2->text(), QString("00:07"));
     QVERIFY(!p->play->isEnabled());
     QCOMPARE(w.list()->ListIndex(), basic::Integer(0));
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QCOMPARE(w.prompts().last(), QString("Please Choose a song to play"));
 }
 
@@ -281,41 +283,41 @@ void tst_mp3_panel::nextAndPrevious()
     Panel *p = w.mp3;
     // Nothing selected: Next picks entry 0, the start running twice and
     // then Play, as the list's own change runs it too.
-    p->localNext_Click();
+    p->music()->localNext_Click();
     QCOMPARE(w.list()->ListIndex(), basic::Integer(0));
     const QStringList start{"Stop", "FileName=" + w.song("a.mp3"), "Play"};
     QCOMPARE(e->calls, start + start + QStringList{"Play"});
-    p->localNext_Click();
-    p->localNext_Click();
+    p->music()->localNext_Click();
+    p->music()->localNext_Click();
     QCOMPARE(e->file, w.song("C.MP3"));
     // At the end: nothing, and the track plays on.
     e->calls.clear();
-    p->localNext_Click();
+    p->music()->localNext_Click();
     QVERIFY(e->calls.isEmpty());
     QCOMPARE(w.list()->ListIndex(), basic::Integer(2));
 
     // Previous only while playing.
     e->state = 1;
-    p->localPrevious_Click();
+    p->music()->localPrevious_Click();
     QCOMPARE(w.prompts(), QStringList{"Please Add Songs in playlist"});
     e->state = 0;
-    p->localPrevious_Click();
+    p->music()->localPrevious_Click();
     QCOMPARE(w.prompts().size(), 2);
     QCOMPARE(w.list()->ListIndex(), basic::Integer(2));
     e->state = 2;
-    p->localPrevious_Click();
+    p->music()->localPrevious_Click();
     QCOMPARE(w.list()->ListIndex(), basic::Integer(1));
     QCOMPARE(e->file, w.song("b.mp3"));
-    p->localPrevious_Click();
+    p->music()->localPrevious_Click();
     e->calls.clear();
-    p->localPrevious_Click(); // entry 0: no wrap
+    p->music()->localPrevious_Click(); // entry 0: no wrap
     QVERIFY(e->calls.isEmpty());
     QCOMPARE(w.list()->ListIndex(), basic::Integer(0));
 
     // An empty list: Next does nothing.
     QTemporaryDir empty;
     w.list()->setPath(empty.path());
-    p->localNext_Click();
+    p->music()->localNext_Click();
     QVERIFY(e->calls.isEmpty());
     // Previous from -1 during play asks the list for -2: uncaught, the end.
     e->state = 2;
@@ -377,23 +379,23 @@ void tst_mp3_panel::listButtons()
     Panel *p = w.mp3;
     // Command3 starts with an empty caption: a click changes nothing.
     const QString before = w.list()->Path();
-    p->Command3->click();
-    QCOMPARE(p->Command3->text(), QString());
+    p->music()->Command3->click();
+    QCOMPARE(p->music()->Command3->text(), QString());
     QCOMPARE(w.list()->Path(), before);
     QVERIFY(e->calls.isEmpty());
     // Had it read "Normal", it would go back to its folder, player closed.
-    p->Command3->setText(QStringLiteral("Normal"));
-    p->Command3->setProperty("Tag", before);
+    p->music()->Command3->setText(QStringLiteral("Normal"));
+    p->music()->Command3->setProperty("Tag", before);
     w.list()->setPath(QDir::tempPath());
-    p->Command3->click();
+    p->music()->Command3->click();
     QCOMPARE(w.list()->Path(), before);
-    QCOMPARE(p->Command3->text(), QString("CD"));
+    QCOMPARE(p->music()->Command3->text(), QString("CD"));
     QCOMPARE(e->calls, QStringList({"Stop", "FileName="}));
 
     // Clear List points at the root; the track plays on.
     w.list()->setListIndex(0);
     e->calls.clear();
-    p->Command4->click();
+    p->music()->Command4->click();
     QCOMPARE(w.list()->Path(), QDir::rootPath());
     QVERIFY(e->calls.isEmpty());
     QCOMPARE(e->state, 2);
@@ -401,17 +403,17 @@ void tst_mp3_panel::listButtons()
     // Add Files: the list moves to the file's folder, the engine loads it
     // without Play, and cancel later brings the same file back.
     QStringList asked;
-    p->CMN()->chooser = [&](const CommonDialog &d) {
+    p->music()->CMN()->chooser = [&](const CommonDialog &d) {
         asked << d.InitDir() + "|" + d.Filter() + "|" + d.DialogTitle();
         return asked.size() == 1 ? w.song("a.mp3") : QString();
     };
-    p->files->click();
+    p->music()->files->click();
     QCOMPARE(asked.first(), QString("C:\\My Documents|MP3 Files |*.mp3*|Add Song"));
     QCOMPARE(w.list()->Path(), QDir(w.dir.path()).absolutePath());
     QCOMPARE(e->calls.last(), "FileName=" + w.song("a.mp3"));
     QVERIFY(!e->calls.contains("Play"));
     e->calls.clear();
-    p->files->click();
+    p->music()->files->click();
     QCOMPARE(e->calls, QStringList{"FileName=" + w.song("a.mp3")});
     QCOMPARE(CommonDialog::qtFilter("MP3 Files |*.mp3*"), QString("MP3 Files (*.mp3*)"));
 }
@@ -427,40 +429,40 @@ void tst_mp3_panel::editorLoadsAndSaves()
         w.dir.path(), "tagged.mp3", audio + tagfiles::block("TAG", "Song", "Singer", "Disc", "1999", "Words", 17));
     const QString bare = w.song("a.mp3");
     e->setFileName(tagged);
-    p->Command5_Click();
-    QCOMPARE(p->txtTitle->text(), QString("Song"));
-    QCOMPARE(p->txtArtist->text(), QString("Singer"));
-    QCOMPARE(p->txtAlbum->text(), QString("Disc"));
-    QCOMPARE(p->txtYear->text(), QString("1999"));
-    QCOMPARE(p->txtComment->text(), QString("Words"));
-    QCOMPARE(p->cboGenre->currentIndex(), 17);
-    const QString taggedInfo = p->lblInfo->text();
-    QCOMPARE(taggedInfo, p->mTag()->InfoString());
+    p->tagEditor()->Command5_Click();
+    QCOMPARE(p->tagEditor()->txtTitle->text(), QString("Song"));
+    QCOMPARE(p->tagEditor()->txtArtist->text(), QString("Singer"));
+    QCOMPARE(p->tagEditor()->txtAlbum->text(), QString("Disc"));
+    QCOMPARE(p->tagEditor()->txtYear->text(), QString("1999"));
+    QCOMPARE(p->tagEditor()->txtComment->text(), QString("Words"));
+    QCOMPARE(p->tagEditor()->cboGenre->currentIndex(), 17);
+    const QString taggedInfo = p->tagEditor()->lblInfo->text();
+    QCOMPARE(taggedInfo, p->tagEditor()->mTag()->InfoString());
 
     // A file without a tag keeps the old texts, shows Blues and its own info.
     e->setFileName(bare);
-    p->Command5_Click();
-    QCOMPARE(p->txtTitle->text(), QString("Song"));
-    QCOMPARE(p->cboGenre->currentText(), QString("Blues"));
-    QCOMPARE(p->lblInfo->text(), p->mTag()->InfoString());
-    QCOMPARE(p->txtFilename->text(), bare);
+    p->tagEditor()->Command5_Click();
+    QCOMPARE(p->tagEditor()->txtTitle->text(), QString("Song"));
+    QCOMPARE(p->tagEditor()->cboGenre->currentText(), QString("Blues"));
+    QCOMPARE(p->tagEditor()->lblInfo->text(), p->tagEditor()->mTag()->InfoString());
+    QCOMPARE(p->tagEditor()->txtFilename->text(), bare);
 
     // Refused when stopped or closed, with only the hidden word.
     e->state = 0;
-    p->cmdsave->Click();
-    QCOMPARE(p->Command5->text(), QString("stoped"));
+    p->tagEditor()->cmdsave->Click();
+    QCOMPARE(p->tagEditor()->Command5->text(), QString("stoped"));
     e->state = 6;
-    p->cmdsave->Click();
-    QCOMPARE(p->Command5->text(), QString("Clsoed"));
+    p->tagEditor()->cmdsave->Click();
+    QCOMPARE(p->tagEditor()->Command5->text(), QString("Clsoed"));
     QVERIFY(w.sp.dialogs.shown.isEmpty());
     QVERIFY(!tagfiles::read(bare).contains("Song"));
 
     // Paused: the stale texts go into the bare file, genre from the list.
     e->state = 1;
-    p->txtYear->setText(QStringLiteral("20245"));
-    QCOMPARE(p->txtYear->text(), QString("2024"));
-    p->cboGenre->setCurrentIndex(3);
-    p->cmdsave->Click();
+    p->tagEditor()->txtYear->setText(QStringLiteral("20245"));
+    QCOMPARE(p->tagEditor()->txtYear->text(), QString("2024"));
+    p->tagEditor()->cboGenre->setCurrentIndex(3);
+    p->tagEditor()->cmdsave->Click();
     QCOMPARE(w.prompts(), QStringList{"Tag Saved Success Fully"});
     cIDV3 back;
     back.setfilename(bare);
@@ -470,25 +472,25 @@ void tst_mp3_panel::editorLoadsAndSaves()
     QCOMPARE(back.Genre(), basic::Long(3));
 
     // Clear removes it; a Save after writes the boxes back.
-    p->cmdremove->Click();
+    p->tagEditor()->cmdremove->Click();
     back.setfilename(bare);
     QVERIFY(!back.HasTag());
-    p->cmdsave->Click();
+    p->tagEditor()->cmdsave->Click();
     back.setfilename(bare);
     QCOMPARE(back.Artist(), QString("Singer"));
 
     // The file deleted: still announced.
     QFile::remove(bare);
-    p->cmdsave->Click();
+    p->tagEditor()->cmdsave->Click();
     QCOMPARE(w.prompts().size(), 3);
     QCOMPARE(w.prompts().last(), QString("Tag Saved Success Fully"));
 
     // Cancel All keeps what was typed.
-    p->txtTitle->setText(QStringLiteral("typed"));
-    p->cmdcancel->Click();
+    p->tagEditor()->txtTitle->setText(QStringLiteral("typed"));
+    p->tagEditor()->cmdcancel->Click();
     QCOMPARE(w.prompts().last(), QString("Tag Not Saved"));
-    QCOMPARE(p->txtTitle->text(), QString("typed"));
-    QCOMPARE(p->txtTitle->maxLength(), 30);
+    QCOMPARE(p->tagEditor()->txtTitle->text(), QString("typed"));
+    QCOMPARE(p->tagEditor()->txtTitle->maxLength(), 30);
 }
 
 void tst_mp3_panel::editorIsInertInStationPanels()
@@ -496,23 +498,23 @@ void tst_mp3_panel::editorIsInertInStationPanels()
     World w;
     for (const char *name : {"Tafm", "Afm", "Malfm", "kanna"}) {
         Panel *p = w.sp.forms.get<Panel>(QLatin1String(name));
-        QVERIFY(!p->cmdsave->isEnabled());
-        QVERIFY(!p->cmdremove->isEnabled());
-        QVERIFY(!p->cmdcancel->isEnabled());
-        QCOMPARE(p->Frame2->title(), QString("File Info"));
-        QCOMPARE(p->cboGenre->count(), 0);
-        QCOMPARE(p->fileList(), nullptr);
+        QVERIFY(!p->tagEditor()->cmdsave->isEnabled());
+        QVERIFY(!p->tagEditor()->cmdremove->isEnabled());
+        QVERIFY(!p->tagEditor()->cmdcancel->isEnabled());
+        QCOMPARE(p->tagEditor()->Frame2->title(), QString("File Info"));
+        QCOMPARE(p->tagEditor()->cboGenre->count(), 0);
+        QCOMPARE(p->music()->fileList(), nullptr);
     }
-    QVERIFY(w.mp3->cmdsave->isEnabled());
+    QVERIFY(w.mp3->tagEditor()->cmdsave->isEnabled());
 }
 
 void tst_mp3_panel::folderChooser()
 {
     World w;
     // Tafm has no flder handler; Afm has, and shows the one Form1.
-    w.sp.forms.get<Panel>("Tafm")->flder->click();
+    w.sp.forms.get<Panel>("Tafm")->music()->flder->click();
     QVERIFY(!w.sp.forms.isLoaded("Form1"));
-    w.sp.forms.get<Panel>("Afm")->flder->click();
+    w.sp.forms.get<Panel>("Afm")->music()->flder->click();
     auto *f = w.sp.forms.get<Form1>("Form1");
     QVERIFY(f->isVisible());
     QCOMPARE(f->windowTitle(), QString("Choose Directory"));
@@ -535,7 +537,7 @@ void tst_mp3_panel::folderChooser()
     QVERIFY(!f->isVisible());
     QCOMPARE(f->txtFinal->text(), QString("CANCEL"));
     QCOMPARE(w.list()->Path(), QDir(w.dir.path()).absolutePath());
-    w.mp3->flder->click();
+    w.mp3->music()->flder->click();
     QCOMPARE(f->Dir1Path(), QDir::tempPath());
 
     // Choosing the drive already shown leaves the folder; the keyboard moves

@@ -2,10 +2,12 @@
 // test encodes itself, and tags read back by mutagen.
 #include "doubles/ScriptedPlatform.h"
 #include "music/FileList.h"
+#include "music/MusicList.h"
+#include "music/TagEditor.h"
 #include "panel/Panel.h"
 #include "platform/LocalEngine.h"
-#include "platform/RealMedia.h"
-#include "platform/VlcLocalEngine.h"
+#include "platform/vlc/RealMedia.h"
+#include "platform/vlc/VlcLocalEngine.h"
 #include "shell/ShellForms.h"
 #include "widgets/GlowButton.h"
 #include "widgets/zzSlider.h"
@@ -89,11 +91,11 @@ void tst_mp3_vlc::playSeekPauseAndEnd()
     LocalEngine *player = p->Player();
     // Decoded sound goes to a counter: no sound card needed.
     dynamic_cast<VlcLocalEngine &>(*player).countDecodedAudio();
-    p->fileList()->setPath(m_dir.path());
-    QCOMPARE(p->fileList()->ListCount(), basic::Integer(2));
+    p->music()->fileList()->setPath(m_dir.path());
+    QCOMPARE(p->music()->fileList()->ListCount(), basic::Integer(2));
 
     // The selection starts the long track.
-    p->fileList()->setListIndex(1);
+    p->music()->fileList()->setListIndex(1);
     QVERIFY(within(5000, [&] { return player->PlayState() == 2 && player->Duration() > 0; }));
     QCOMPARE(player->FileName(), m_dir.path() + QStringLiteral("/2-long.mp3"));
     QVERIFY(qAbs(player->Duration() - 8) < 0.5);
@@ -108,12 +110,12 @@ void tst_mp3_vlc::playSeekPauseAndEnd()
     QVERIFY(player->CurrentPosition() < 6.5);
 
     // Pause holds the position; Play resumes from it.
-    p->localPausel_Click();
+    p->music()->localPausel_Click();
     QVERIFY(within(3000, [&] { return player->PlayState() == 1; }));
     const double held = player->CurrentPosition();
     QTest::qWait(400);
     QVERIFY(qAbs(player->CurrentPosition() - held) < 0.1);
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QVERIFY(within(3000, [&] { return player->PlayState() == 2; }));
     QVERIFY(within(3000, [&] { return player->CurrentPosition() > held + 0.2; }));
 
@@ -121,15 +123,15 @@ void tst_mp3_vlc::playSeekPauseAndEnd()
     QVERIFY(within(8000, [&] { return player->PlayState() == 0; }));
     QTest::qWait(300);
     QCOMPARE(player->PlayState(), 0);
-    QCOMPARE(p->fileList()->ListIndex(), basic::Integer(1));
+    QCOMPARE(p->music()->fileList()->ListIndex(), basic::Integer(1));
     QCOMPARE(player->FileName(), m_dir.path() + QStringLiteral("/2-long.mp3"));
 
     // A stopped track plays again; Stop lets it go and Play then asks.
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QVERIFY(within(5000, [&] { return player->PlayState() == 2; }));
-    p->localStop_Click();
+    p->music()->localStop_Click();
     QVERIFY(within(3000, [&] { return player->PlayState() == 6; }));
-    p->localPlay_Click();
+    p->music()->localPlay_Click();
     QCOMPARE(sp.dialogs.shown.last().prompt, QString("Please Choose a song to play"));
 }
 
@@ -143,17 +145,17 @@ void tst_mp3_vlc::saveWhilePlaying()
     forms.Show(QStringLiteral("Mp3"));
     auto *p = forms.get<Panel>(QStringLiteral("Mp3"));
     dynamic_cast<VlcLocalEngine &>(*p->Player()).countDecodedAudio();
-    p->fileList()->setPath(m_dir.path());
-    p->fileList()->setListIndex(0);
+    p->music()->fileList()->setPath(m_dir.path());
+    p->music()->fileList()->setListIndex(0);
     QVERIFY(within(5000, [&] { return p->Player()->PlayState() == 2; }));
     // The editor was loaded by the selection, from the real frame.
-    QVERIFY(p->lblInfo->text().contains(QStringLiteral("44100")));
+    QVERIFY(p->tagEditor()->lblInfo->text().contains(QStringLiteral("44100")));
 
-    p->txtTitle->setText(QStringLiteral("Tone"));
-    p->txtArtist->setText(QStringLiteral("Zarvent Test"));
-    p->txtYear->setText(QStringLiteral("2026"));
-    p->cboGenre->setCurrentIndex(8);
-    p->cmdsave->Click();
+    p->tagEditor()->txtTitle->setText(QStringLiteral("Tone"));
+    p->tagEditor()->txtArtist->setText(QStringLiteral("Zarvent Test"));
+    p->tagEditor()->txtYear->setText(QStringLiteral("2026"));
+    p->tagEditor()->cboGenre->setCurrentIndex(8);
+    p->tagEditor()->cmdsave->Click();
     QCOMPARE(sp.dialogs.shown.last().prompt, QString("Tag Saved Success Fully"));
     QCOMPARE(p->Player()->PlayState(), 2);
 
@@ -175,7 +177,7 @@ void tst_mp3_vlc::selectionNamesTheSongAtOnce()
     forms.Show(QStringLiteral("Mp3"));
     auto *p = forms.get<Panel>(QStringLiteral("Mp3"));
     dynamic_cast<VlcLocalEngine &>(*p->Player()).countDecodedAudio();
-    FileList *list = p->fileList();
+    FileList *list = p->music()->fileList();
     list->setPath(m_dir.path());
 
     // Each step is read straight after it, with no turn of the event loop:
@@ -188,9 +190,9 @@ void tst_mp3_vlc::selectionNamesTheSongAtOnce()
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, entry.center());
     QCOMPARE(list->ListIndex(), basic::Integer(0));
     QVERIFY2(named(QStringLiteral("1-short.mp3")), qPrintable(p->windowTitle()));
-    p->localNext_Click();
+    p->music()->localNext_Click();
     QVERIFY2(named(QStringLiteral("2-long.mp3")), qPrintable(p->windowTitle()));
-    p->localPrevious_Click();
+    p->music()->localPrevious_Click();
     QVERIFY2(named(QStringLiteral("1-short.mp3")), qPrintable(p->windowTitle()));
     QVERIFY(sp.dialogs.shown.isEmpty());
 }

@@ -6,7 +6,7 @@
 #include "IfTableImage.h"
 #include "doubles/ScriptedPlatform.h"
 #include "netmon/CIpHelper.h"
-#include "platform/RealInterfaceTable.h"
+#include "platform/rtnetlink/RealInterfaceTable.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "platform/RealConnection.h"
+#include "platform/posix/RealConnection.h"
 
 #include <QDir>
 #include <QElapsedTimer>

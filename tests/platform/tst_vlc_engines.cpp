@@ -3,10 +3,10 @@
 // samples, so no sound card is needed; only the silence check runs the
 // default sound output, in a child process of this binary.
 #include "ServicePeer.h"
-#include "platform/RealMedia.h"
-#include "platform/VlcInstance.h"
-#include "platform/VlcLocalEngine.h"
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/RealMedia.h"
+#include "platform/vlc/VlcInstance.h"
+#include "platform/vlc/VlcLocalEngine.h"
+#include "platform/vlc/VlcStationEngine.h"
 
 #include <QCoreApplication>
 #include <QDir>

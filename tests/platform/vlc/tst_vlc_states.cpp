@@ -1,8 +1,8 @@
 // The engines' one-place mappings and the animation surface: no libvlc
 // instance, no services.
 #include "platform/MovieAnimation.h"
-#include "platform/VlcLocalEngine.h"
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/VlcLocalEngine.h"
+#include "platform/vlc/VlcStationEngine.h"
 
 #include <QDir>
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "platform/RealClock.h"
+#include "platform/qtdesktop/RealClock.h"
 
 RealClock::RealClock()
 {

@@ -1,4 +1,4 @@
-#include "platform/VlcInstance.h"
+#include "platform/vlc/VlcInstance.h"
 
 #include <QByteArray>
 

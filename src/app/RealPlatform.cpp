@@ -1,4 +1,4 @@
-#include "platform/RealPlatform.h"
+#include "app/RealPlatform.h"
 
 RealPlatform::RealPlatform(QStringList mediaOptions)
     : app(AppInfo::forExecutable())

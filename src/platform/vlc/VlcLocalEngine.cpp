@@ -1,6 +1,6 @@
-#include "platform/VlcLocalEngine.h"
+#include "platform/vlc/VlcLocalEngine.h"
 
-#include "platform/VlcEvents.h"
+#include "platform/vlc/VlcEvents.h"
 
 #include <QMetaObject>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/StationEngine.h"
-#include "platform/VlcAudioTap.h"
-#include "platform/VlcEvents.h"
-#include "platform/VlcHandles.h"
-#include "platform/VlcOutputSettings.h"
+#include "platform/vlc/VlcAudioTap.h"
+#include "platform/vlc/VlcEvents.h"
+#include "platform/vlc/VlcHandles.h"
+#include "platform/vlc/VlcOutputSettings.h"
 
 #include <QObject>
 

@@ -1,4 +1,4 @@
-#include "platform/VlcOutputSettings.h"
+#include "platform/vlc/VlcOutputSettings.h"
 
 #include <QMetaObject>
 

@@ -1,4 +1,4 @@
-#include "platform/VlcAudioTap.h"
+#include "platform/vlc/VlcAudioTap.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "platform/RealInterfaceTable.h"
+#include "platform/rtnetlink/RealInterfaceTable.h"
 #include "platform/MibIfRow.h"
 
 #include <QString>

@@ -1,4 +1,4 @@
-#include "platform/RealShell.h"
+#include "platform/qtdesktop/RealShell.h"
 
 #include <QDesktopServices>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "platform/RealTray.h"
+#include "platform/qtdesktop/RealTray.h"
 
 #include <QSystemTrayIcon>
 

@@ -1,4 +1,4 @@
-#include "platform/RealDialogs.h"
+#include "platform/qtdesktop/RealDialogs.h"
 
 #include <QMessageBox>
 

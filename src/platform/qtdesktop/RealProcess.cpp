@@ -1,4 +1,4 @@
-#include "platform/RealProcess.h"
+#include "platform/qtdesktop/RealProcess.h"
 
 #include <cstdio>
 #include <unistd.h>

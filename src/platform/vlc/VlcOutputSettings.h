@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/VlcHandles.h"
+#include "platform/vlc/VlcHandles.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,12 +1,11 @@
-// The tag editor in the lower part of every panel. Only Mp3's works; in the
-// station panels its buttons are disabled for good and nothing fills it.
-
-#include "panel/Panel.h"
+#include "music/TagEditor.h"
 
 #include "music/ComboList.h"
 #include "music/cIDV3.h"
 #include "platform/Dialogs.h"
+#include "platform/ErrorBoundary.h"
 #include "platform/LocalEngine.h"
+#include "platform/Platform.h"
 #include "platform/Twips.h"
 #include "widgets/GlowButton.h"
 
@@ -15,6 +14,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace {
 
@@ -46,9 +47,12 @@ GlowButton *editorButton(QWidget *parent, const char *name, const QString &capti
 
 } // namespace
 
-void Panel::buildTagEditor()
+TagEditor::TagEditor(Platform &platform, QWidget *panel, QWidget *invisibles, LocalEngine *engine)
+    : QObject(panel)
+    , m_platform(platform)
+    , m_engine(engine)
 {
-    Frame2 = new QGroupBox(QStringLiteral("File Info"), this);
+    Frame2 = new QGroupBox(QStringLiteral("File Info"), panel);
     Frame2->setObjectName(QStringLiteral("Frame2"));
     twips::place(Frame2, 240, 4920, 8280, 2880);
     Label3 = fieldLabel(Frame2, QStringLiteral("Path"), 300);
@@ -78,7 +82,7 @@ void Panel::buildTagEditor()
     cboGenre->setToolTip(QStringLiteral("Genere"));
     twips::place(cboGenre, 1080, top, 3000, 315);
 
-    mpeginfo = new QGroupBox(QStringLiteral("MPEG Info"), this);
+    mpeginfo = new QGroupBox(QStringLiteral("MPEG Info"), panel);
     mpeginfo->setObjectName(QStringLiteral("mpeginfo"));
     mpeginfo->setToolTip(QStringLiteral("Information About Current Mp3"));
     twips::place(mpeginfo, 8640, 4920, 3960, 2400);
@@ -88,14 +92,14 @@ void Panel::buildTagEditor()
     lblInfo->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     twips::place(lblInfo, 120, 300, 3720, 1980);
 
-    cmdsave = editorButton(this, "cmdsave", QStringLiteral("Save"), 8640);
-    cmdcancel = editorButton(this, "cmdcancel", QStringLiteral("Cancel All"), 9960);
-    cmdremove = editorButton(this, "cmdremove", QStringLiteral("Clear"), 11280);
+    cmdsave = editorButton(panel, "cmdsave", QStringLiteral("Save"), 8640);
+    cmdcancel = editorButton(panel, "cmdcancel", QStringLiteral("Cancel All"), 9960);
+    cmdremove = editorButton(panel, "cmdremove", QStringLiteral("Clear"), 11280);
 
-    Command5 = new QPushButton(QStringLiteral("Command5"), Frame3);
+    Command5 = new QPushButton(QStringLiteral("Command5"), invisibles);
     Command5->setObjectName(QStringLiteral("Command5"));
 
-    if (isStation()) {
+    if (!m_engine) {
         // What the station panels' Load does at its last step, for their
         // whole life; their handlers can never be reached, so none is wired.
         cmdsave->setEnabled(false);
@@ -109,18 +113,40 @@ void Panel::buildTagEditor()
     on(cmdremove, &GlowButton::Click, [this] { cmdremove_Click(); });
 }
 
-cIDV3 &Panel::madeTag()
+TagEditor::~TagEditor() = default;
+
+template <class Sender, class Signal, class Handler>
+void TagEditor::on(Sender *sender, Signal signal, Handler handler)
+{
+    connect(sender, signal, this, [this, handler] { boundary::run(m_platform.dialogs, m_platform.process, handler); });
+}
+
+void TagEditor::fitLeftOfDeck()
+{
+    constexpr int FieldWidth = 2760;
+    twips::place(Frame2, 240, 4920, 3960, 2880);
+    for (QLineEdit *f : {txtFilename, txtTitle, txtArtist, txtAlbum, txtYear, txtComment})
+        f->resize(twips::toPixels(FieldWidth), f->height());
+    cboGenre->resize(std::min(cboGenre->width(), twips::toPixels(FieldWidth)), cboGenre->height());
+    twips::place(mpeginfo, 4260, 4920, 2700, 2400);
+    twips::place(lblInfo, 120, 300, 2460, 1980);
+    twips::place(cmdsave, 4260, 7440, 780, 405);
+    twips::place(cmdcancel, 5100, 7440, 1020, 405);
+    twips::place(cmdremove, 6180, 7440, 780, 405);
+}
+
+cIDV3 &TagEditor::madeTag()
 {
     if (!m_mTag)
         m_mTag = std::make_shared<cIDV3>();
     return *m_mTag;
 }
 
-void Panel::Command5_Click()
+void TagEditor::Command5_Click()
 {
     cIDV3 &tag = madeTag();
     // From the file in the player, not from the list's selection.
-    txtFilename->setText(m_localPlayer->FileName());
+    txtFilename->setText(m_engine->FileName());
     tag.setfilename(txtFilename->text());
     ComboList genres(*cboGenre);
     if (tag.HasTag()) {
@@ -140,10 +166,10 @@ void Panel::Command5_Click()
     lblInfo->setText(tag.InfoString());
 }
 
-void Panel::cmdsave_Click()
+void TagEditor::cmdsave_Click()
 {
     // The words go to a caption nobody sees; no message. Kept as they stand.
-    switch (m_localPlayer->PlayState()) {
+    switch (m_engine->PlayState()) {
     case 0: Command5->setText(QStringLiteral("stoped")); return;
     case 6: Command5->setText(QStringLiteral("Clsoed")); return;
     default: break;
@@ -158,15 +184,15 @@ void Panel::cmdsave_Click()
     // Written over the file the engine is reading, to the file of the last
     // load; success is announced whatever the answer.
     (void)tag.WriteTag();
-    platform().dialogs.MsgBox(QStringLiteral("Tag Saved Success Fully"));
+    m_platform.dialogs.MsgBox(QStringLiteral("Tag Saved Success Fully"));
 }
 
-void Panel::cmdremove_Click()
+void TagEditor::cmdremove_Click()
 {
     (void)madeTag().ClearTag();
 }
 
-void Panel::cmdcancel_Click()
+void TagEditor::cmdcancel_Click()
 {
-    platform().dialogs.MsgBox(QStringLiteral("Tag Not Saved"));
+    m_platform.dialogs.MsgBox(QStringLiteral("Tag Not Saved"));
 }

@@ -1,6 +1,6 @@
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/VlcStationEngine.h"
 
-#include "platform/VlcEvents.h"
+#include "platform/vlc/VlcEvents.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Media.h"
-#include "platform/VlcHandles.h"
+#include "platform/vlc/VlcHandles.h"
 
 #include <QStringList>
 

@@ -1,9 +1,9 @@
-#include "platform/RealMedia.h"
+#include "platform/vlc/RealMedia.h"
 
 #include "platform/MovieAnimation.h"
-#include "platform/VlcInstance.h"
-#include "platform/VlcLocalEngine.h"
-#include "platform/VlcStationEngine.h"
+#include "platform/vlc/VlcInstance.h"
+#include "platform/vlc/VlcLocalEngine.h"
+#include "platform/vlc/VlcStationEngine.h"
 
 RealMedia::RealMedia(QStringList options)
     : m_options(std::move(options))
