@@ -1,39 +1,30 @@
+// The shared pieces of src/platform: the error boundary, forms and their key
+// preview, the animation surface.
 #include "basic/Checked.h"
 #include "doubles/ScriptedPlatform.h"
 #include "platform/Form.h"
 #include "platform/GuardedApplication.h"
+#include "platform/MovieAnimation.h"
 
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMovie>
 #include <QTest>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
-// A form whose timer handler overflows a 16-bit counter on its third tick
-// (with steps of 1, never).
-class CountingForm : public Form {
-public:
-    explicit CountingForm(Platform &p, basic::Integer step = 16383)
-        : Form(p, QStringLiteral("CountingForm"))
-        , timer(p.clock, this, QStringLiteral("Timer1"), 100, true)
-    {
-        on(&timer, &Timer::tick, [this, step] {
-            count = basic::add<basic::Integer>(count, step);
-            ++ticks;
-        });
-    }
-    Timer timer;
-    basic::Integer count = 0;
-    int ticks = 0;
-};
-
-// An object whose event handler raises with no guard of its own.
-class Raiser : public QObject {
-public:
-    bool event(QEvent *e) override
-    {
-        if (e->type() == QEvent::User)
-            basic::raise(basic::SubscriptOutOfRange);
-        return QObject::event(e);
-    }
+// A form whose handlers the test connects, and which records its loads and previewed keys.
+struct TestForm : Form {
+    using Form::Form;
+    using Form::on;
+    void Load() override { seenSelf = forms && forms->form(objectName()) == this; }
+    bool keyPreview(QKeyEvent *e) override { keys << e->key(); return true; }
+    Forms *forms = nullptr;
+    bool seenSelf = false;
+    QList<int> keys;
 };
 
 } // namespace
@@ -41,104 +32,94 @@ public:
 class tst_boundary : public QObject {
     Q_OBJECT
 private slots:
-    void uncaughtErrorShowsMessageThenEnds();
-    void formHandlersStopAtTheFailingStatement();
-    void applicationCatchesWhatHandlersMissed();
-    void formsAreMadeOnceAndLoadedOnFirstUse();
-};
+    void handlersStopAtTheFailingStatementAndEndTheProgram()
+    {
+        ScriptedPlatform sp;
+        sp.dialogs.upForMs = 2000; // timers go on ticking under the box
+        int endsWhileShown = -1;
+        sp.dialogs.onShow = [&](const ShownBox &) { endsWhileShown = sp.process.ends; };
+        TestForm form(sp.platform, u"F"_s);
+        Timer failing(sp.clock, &form, u"Timer1"_s, 100, true), other(sp.clock, &form, u"Timer2"_s, 100, true);
+        QList<int> seen{0, 0, 0}; // failing's ticks, other's ticks, failing's sum
+        form.on(&failing, &Timer::tick, [&] {
+            seen[2] = basic::add<basic::Integer>(basic::Integer(seen[2]), 16383); // out of 16 bits on the third
+            ++seen[0];
+        });
+        form.on(&other, &Timer::tick, [&] { ++seen[1]; });
+        sp.clock.advance(300);
+        QCOMPARE(seen, (QList<int>{2, 2, 32766})); // nothing of the program runs after the failure
+        QCOMPARE(sp.dialogs.shown.size(), 1); // an empty title: the application's
+        const ShownBox &box = sp.dialogs.shown[0];
+        QCOMPARE((QStringList{box.prompt, QString::number(box.style), box.title}),
+                 (QStringList{u"Run-time error '6':\n\nOverflow"_s, QString::number(MsgBox::Critical + MsgBox::OkOnly), QString()}));
+        QCOMPARE((QList<int>{endsWhileShown, sp.process.ends}), (QList<int>{0, 1})); // the box, then the end
 
-void tst_boundary::uncaughtErrorShowsMessageThenEnds()
-{
-    ScriptedPlatform sp;
-    QStringList order;
-    sp.dialogs.onShow = [&](const ShownBox &) { order << QStringLiteral("box"); };
-    boundary::run(sp.dialogs, sp.process, [] { basic::raise(basic::DeviceUnavailable); });
-    QCOMPARE(sp.dialogs.shown.size(), 1);
-    QCOMPARE(sp.dialogs.shown[0].prompt, QStringLiteral("Run-time error '68':\n\nDevice unavailable"));
-    QCOMPARE(sp.dialogs.shown[0].style & 0x70, int(MsgBox::Critical));
-    QVERIFY(sp.dialogs.shown[0].title.isEmpty()); // the application title
-    QCOMPARE(order, QStringList{QStringLiteral("box")});
-    QCOMPARE(sp.process.ends, 1); // after the box, not before
+        // What got past every handler is caught by the application, the same way.
+        ScriptedPlatform late;
+        qobject_cast<GuardedApplication *>(qApp)->setBoundary(late.dialogs, late.process);
+        QMetaObject::invokeMethod(qApp, [] { basic::raise(basic::SubscriptOutOfRange); }, Qt::QueuedConnection);
+        QCoreApplication::processEvents();
+        QCOMPARE(late.dialogs.shown.value(0).prompt, u"Run-time error '9':\n\nSubscript out of range"_s);
+        QCOMPARE(late.process.ends, 1);
+    }
 
-    boundary::run(sp.dialogs, sp.process, [] {});
-    QCOMPARE(sp.dialogs.shown.size(), 1);
-    QCOMPARE(sp.process.ends, 1);
-}
+    void formsAreMadeOnceAndPreviewTheirKeys()
+    {
+        ScriptedPlatform sp;
+        int made = 0;
+        sp.forms.define(u"A"_s, [&] {
+            auto a = std::make_unique<TestForm>(sp.platform, u"A"_s);
+            a->forms = &sp.forms;
+            ++made;
+            return a;
+        });
+        QVERIFY(!sp.forms.isLoaded(u"A"_s));
+        sp.forms.Hide(u"A"_s); // touching a form loads it
+        auto *a = sp.forms.get<TestForm>(u"A"_s);
+        QVERIFY(a->seenSelf); // reading itself while loading hands out the same half-loaded form
+        sp.forms.Show(u"A"_s);
+        sp.forms.Hide(u"A"_s);
+        sp.forms.Show(u"A"_s);
+        QVERIFY(made == 1 && a->isVisible() && sp.forms.form(u"A"_s) == a);
 
-void tst_boundary::formHandlersStopAtTheFailingStatement()
-{
-    ScriptedPlatform sp;
-    CountingForm form(sp.platform);
-    sp.clock.advance(200);
-    QCOMPARE(form.ticks, 2);
-    QCOMPARE(sp.process.ends, 0);
-    sp.clock.advance(100); // 3 * 16383 leaves the 16-bit range
-    QCOMPARE(form.ticks, 2);
-    QCOMPARE(form.count, basic::Integer(32766));
-    QCOMPARE(sp.dialogs.shown.size(), 1);
-    QCOMPARE(sp.dialogs.shown[0].prompt, QStringLiteral("Run-time error '6':\n\nOverflow"));
-    QCOMPARE(sp.process.ends, 1);
+        // Its own window's keys come to the form first; another window's do not.
+        auto *edit = new QLineEdit(a);
+        TestForm other(sp.platform, u"B"_s);
+        a->setKeyPreview(true);
+        QTest::keyClick(edit, Qt::Key_X);
+        QTest::keyClick(&other, Qt::Key_Y);
+        QCOMPARE(a->keys, (QList<int>{Qt::Key_X, Qt::Key_X}));
+    }
 
-    // While the box is up, timers go on ticking, but nothing of the program
-    // runs: no second failure stacks a second box.
-    ScriptedPlatform held;
-    held.dialogs.upForMs = 2000;
-    CountingForm failing(held.platform);
-    CountingForm other(held.platform, 1);
-    held.clock.advance(300);
-    QCOMPARE(held.dialogs.shown.size(), 1);
-    QCOMPARE(failing.ticks, 2);
-    QCOMPARE(other.ticks, 2);
-    QCOMPARE(held.process.ends, 1);
-}
-
-void tst_boundary::applicationCatchesWhatHandlersMissed()
-{
-    auto *app = qobject_cast<GuardedApplication *>(QCoreApplication::instance());
-    QVERIFY(app);
-    ScriptedPlatform sp;
-    app->setBoundary(sp.dialogs, sp.process);
-    Raiser raiser;
-    QCoreApplication::postEvent(&raiser, new QEvent(QEvent::User));
-    QCoreApplication::processEvents();
-    QCOMPARE(sp.dialogs.shown.size(), 1);
-    QCOMPARE(sp.dialogs.shown[0].prompt, QStringLiteral("Run-time error '9':\n\nSubscript out of range"));
-    QCOMPARE(sp.process.ends, 1);
-}
-
-void tst_boundary::formsAreMadeOnceAndLoadedOnFirstUse()
-{
-    struct Loading : Form {
-        Loading(Platform &p, int &loads, Forms &forms) : Form(p, QStringLiteral("A")), loads(loads), forms(forms) {}
-        void Load() override
-        {
-            ++loads;
-            // Reading itself while loading hands out the same half-loaded form.
-            seenSelf = forms.form(QStringLiteral("A")) == this;
+    void animationRunsHoldsStops()
+    {
+        QWidget parent;
+        auto pstate = std::make_unique<MovieAnimation>(&parent);
+        auto *label = qobject_cast<QLabel *>(pstate->widget());
+        pstate->setFileName(qEnvironmentVariable("ZARVENT_SOURCE_DIR") + u"/img/play.gif"_s);
+        QVERIFY(label && label->parentWidget() == &parent && label->movie());
+        QList<int> states{pstate->PlayState()};
+        pstate->Play();
+        QTRY_VERIFY(label->movie()->currentFrameNumber() > 0); // it moves
+        pstate->Pause();
+        const int held = label->movie()->currentFrameNumber();
+        QTest::qWait(300);
+        QCOMPARE(label->movie()->currentFrameNumber(), held);
+        // Pause again, Play on from the held frame, Play while running, Stop, Pause while stopped.
+        for (auto act : {&MovieAnimation::Pause, &MovieAnimation::Play, &MovieAnimation::Play, &MovieAnimation::Stop,
+                         &MovieAnimation::Pause}) {
+            (pstate.get()->*act)();
+            states << pstate->PlayState();
         }
-        int &loads;
-        Forms &forms;
-        bool seenSelf = false;
-    };
-    ScriptedPlatform sp;
-    int made = 0, loads = 0;
-    sp.forms.define(QStringLiteral("A"), [&] {
-        ++made;
-        return std::make_unique<Loading>(sp.platform, loads, sp.forms);
-    });
-    QVERIFY(!sp.forms.isLoaded(QStringLiteral("A")));
-    sp.forms.Hide(QStringLiteral("A")); // touching a form loads it
-    QVERIFY(sp.forms.isLoaded(QStringLiteral("A")));
-    auto *a = sp.forms.get<Loading>(QStringLiteral("A"));
-    QVERIFY(a->seenSelf);
-    sp.forms.Show(QStringLiteral("A"));
-    QVERIFY(a->isVisible());
-    sp.forms.Hide(QStringLiteral("A"));
-    sp.forms.Show(QStringLiteral("A"));
-    QCOMPARE(made, 1);
-    QCOMPARE(loads, 1);
-    QCOMPARE(sp.forms.form(QStringLiteral("A")), a);
-}
+        QCOMPARE(states, (QList<int>{0, 1, 2, 2, 0, 0}));
+        QCOMPARE(label->movie()->currentFrameNumber(), 0);
+        pstate->setFileName(u"/nonexistent/play.gif"_s); // the old picture goes, nothing shows
+        pstate->Play();
+        QVERIFY(!label->movie() && pstate->PlayState() == 0);
+        pstate.reset(); // the surface takes its label along
+        QVERIFY(parent.findChildren<QLabel *>().isEmpty());
+    }
+};
 
 int main(int argc, char **argv)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QHash>
-#include <QString>
+#include <QStandardPaths>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -11,20 +11,17 @@
 class ServicePeer {
 public:
     ServicePeer(const QString &script, const QStringList &args, int lifetimeSeconds = 60);
-    ~ServicePeer();
-    ServicePeer(const ServicePeer &) = delete;
-    ServicePeer &operator=(const ServicePeer &) = delete;
+    ~ServicePeer() { run(m_script, {QStringLiteral("stop"), m_dir.path()}); }
 
     bool ok() const { return m_ok; }
     QString error() const { return m_error; }
-    int port() const { return m_values.value(QStringLiteral("PORT")).toInt(); }
+    int port() const { return value(QStringLiteral("PORT")).toInt(); }
     QString value(const QString &key) const { return m_values.value(key); }
-    QString file(const QString &name) const; // contents of a file the peer wrote in its folder
+    QString file(const QString &name) const; // a file the peer wrote in its folder
 
-    static QString scriptsDir();                       // scripts/services of this source tree
-    static bool haveTool(const QString &program);      // on PATH
+    static bool haveTool(const QString &program) { return !QStandardPaths::findExecutable(program).isEmpty(); }
     static bool run(const QString &script, const QStringList &args, QString *output = nullptr);
-    static int closedPort();                           // a loopback port nobody listens on
+    static int closedPort(); // a loopback port nobody listens on
 
 private:
     QString m_script;
