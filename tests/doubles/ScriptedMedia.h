@@ -14,11 +14,7 @@
 class ScriptedStationEngine : public StationEngine {
 public:
     QString URL() const override { return url; }
-    void setURL(const QString &u) override
-    {
-        url = u;
-        calls << QStringLiteral("URL=") + u;
-    }
+    void setURL(const QString &u) override { url = u; calls << QStringLiteral("URL=") + u; }
     int playState() const override { return state; }
     void stop() override
     {
@@ -29,19 +25,13 @@ public:
     }
     QString currentPositionString() const override { return position; }
     bool mute() const override { return muted; }
-    void setMute(bool m) override
-    {
-        muted = m;
-        calls << QStringLiteral("mute=%1").arg(m);
-    }
+    void setMute(bool m) override { muted = m; calls << QStringLiteral("mute=%1").arg(m); }
     int volume() const override { return vol; }
     void setVolume(int v) override { vol = v; }
 
-    QString url;
-    int state = 0;
-    QString position;
+    QString url, position;
+    int state = 0, vol = 50;
     bool muted = false;
-    int vol = 50;
     QStringList calls;
     std::function<void()> onStop; // lets a test look at the world at the moment of a stop
 };
@@ -58,11 +48,7 @@ public:
     }
     int PlayState() const override { return state; }
     double CurrentPosition() const override { return position; }
-    void setCurrentPosition(double s) override
-    {
-        position = s;
-        calls << QStringLiteral("CurrentPosition=%1").arg(s);
-    }
+    void setCurrentPosition(double s) override { position = s; calls << QStringLiteral("CurrentPosition=%1").arg(s); }
     double Duration() const override { return duration; }
     void Play() override { calls << QStringLiteral("Play"); if (!file.isEmpty()) state = 2; }
     void Pause() override { calls << QStringLiteral("Pause"); if (state == 2) state = 1; }
@@ -74,8 +60,7 @@ public:
 
     QString file;
     int state = 6;
-    double position = 0;
-    double duration = 0;
+    double position = 0, duration = 0;
     bool muted = false;
     long vol = 0;
     QStringList calls;
@@ -100,11 +85,22 @@ public:
 // Hands out scripted engines and keeps a pointer to each for the test.
 class ScriptedMedia : public Media {
 public:
-    std::unique_ptr<StationEngine> createStationEngine() override;
-    std::unique_ptr<LocalEngine> createLocalEngine() override;
-    std::unique_ptr<AnimationSurface> createAnimationSurface(QWidget *parent) override;
+    std::unique_ptr<StationEngine> createStationEngine() override { return made(stations); }
+    std::unique_ptr<LocalEngine> createLocalEngine() override { return made(locals); }
+    std::unique_ptr<AnimationSurface> createAnimationSurface(QWidget *parent) override
+    {
+        return std::make_unique<ScriptedAnimation>(parent);
+    }
 
     QList<ScriptedStationEngine *> stations;
     QList<ScriptedLocalEngine *> locals;
-    QList<ScriptedAnimation *> animations;
+
+private:
+    template <class Engine>
+    static std::unique_ptr<Engine> made(QList<Engine *> &list)
+    {
+        auto e = std::make_unique<Engine>();
+        list.append(e.get());
+        return e;
+    }
 };

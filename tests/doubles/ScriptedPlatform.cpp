@@ -6,7 +6,7 @@
 
 int ScriptedDialogs::MsgBox(const QString &prompt, int style, const QString &title)
 {
-    shown.append({prompt, style, title, m_depth});
+    shown.append({prompt, style, title});
     if (onShow)
         onShow(shown.last());
     // Bounded, so that a box that stacks boxes shows in a test as a few
@@ -19,24 +19,7 @@ int ScriptedDialogs::MsgBox(const QString &prompt, int style, const QString &tit
     return answers.isEmpty() ? MsgBox::Ok : answers.takeFirst();
 }
 
-bool ScriptedConnection::probe(const QString &url)
-{
-    probed.append(url);
-    if (duringProbe)
-        duringProbe();
-    return probeAnswer;
-}
-
-bool ScriptedConnection::connectedState()
-{
-    ++connectedCalls;
-    return connectedAnswer;
-}
-
-static qint64 period(const Timer &t)
-{
-    return t.isFast() ? Timer::FastTickMs : t.Interval();
-}
+static qint64 period(const Timer &t) { return t.isFast() ? Timer::FastTickMs : t.Interval(); }
 
 void ManualClock::reschedule(Timer &timer)
 {
@@ -54,20 +37,19 @@ void ManualClock::advance(int ms)
 {
     const qint64 target = m_now + ms;
     for (;;) {
-        const Entry *next = nullptr;
-        for (const Entry &e : m_entries)
-            if (e.due <= target && (!next || e.due < next->due || (e.due == next->due && e.order < next->order)))
-                next = &e;
-        if (!next)
+        const auto next = std::min_element(m_entries.cbegin(), m_entries.cend(), [](const Entry &a, const Entry &b) {
+            return a.due < b.due || (a.due == b.due && a.order < b.order);
+        });
+        if (next == m_entries.cend() || next->due > target)
             break;
         Timer *t = next->timer;
         m_now = next->due;
         // Schedule the following tick before firing, so a handler that
         // disables or re-enables its own timer has the last word.
-        const qint64 following = m_now + period(*t);
-        for (Entry &e : m_entries)
+        for (Entry &e : m_entries) {
             if (e.timer == t)
-                e.due = following;
+                e.due = m_now + period(*t);
+        }
         emit t->tick();
         QCoreApplication::processEvents();
     }

@@ -16,19 +16,26 @@
 #include "doubles/ScriptedMixerDevice.h"
 #include "doubles/ScriptedTray.h"
 
-#include <QList>
-#include <QStringList>
-
-#include <functional>
-
 struct ShownBox {
     QString prompt;
     int style;
     QString title; // as passed; empty means the application title
-    int depth = 0; // boxes already up under this one
 };
 
-class ManualClock;
+// Virtual time. advance() fires every timer whose moment comes, in order of
+// time and then of creation; fast timers fire every 16 ms as on the real clock.
+class ManualClock : public Clock {
+public:
+    void reschedule(Timer &timer) override;
+    void forget(Timer &timer) override;
+    void advance(int ms);
+
+private:
+    struct Entry { Timer *timer; qint64 due, order; };
+    QList<Entry> m_entries;
+    qint64 m_now = 0;
+    qint64 m_order = 0;
+};
 
 class ScriptedDialogs : public Dialogs {
 public:
@@ -48,8 +55,18 @@ private:
 
 class ScriptedConnection : public Connection {
 public:
-    bool probe(const QString &url) override;
-    bool connectedState() override;
+    bool probe(const QString &url) override
+    {
+        probed.append(url);
+        if (duringProbe)
+            duringProbe();
+        return probeAnswer;
+    }
+    bool connectedState() override
+    {
+        ++connectedCalls;
+        return connectedAnswer;
+    }
 
     bool probeAnswer = false;
     bool connectedAnswer = false;
@@ -60,13 +77,8 @@ public:
 
 class ScriptedShell : public Shell {
 public:
-    void open(const QString &target) override { opened.append(target); }
-    QStringList opened;
-
-    struct Call {
-        QString verb, file, parameters, directory;
-        int showCommand;
-    };
+    struct Call { QString verb, file, parameters, directory; int showCommand; };
+    void open(const QString &) override {}
     int execute(const QString &verb, const QString &file, const QString &parameters, const QString &directory,
                 int showCommand) override
     {
@@ -79,34 +91,9 @@ public:
 
 class ScriptedProcess : public Process {
 public:
-    void end(int exitCode = 0) override
-    {
-        ++ends;
-        lastExitCode = exitCode;
-    }
+    void end(int exitCode = 0) override { ++ends; lastExitCode = exitCode; }
     int ends = 0;
     int lastExitCode = -1;
-};
-
-// Virtual time. advance() fires every timer whose moment comes, in order of
-// time and then of creation; fast timers fire every 16 ms as on the real clock.
-class ManualClock : public Clock {
-public:
-    void reschedule(Timer &timer) override;
-    void forget(Timer &timer) override;
-
-    void advance(int ms);
-    qint64 now() const { return m_now; }
-
-private:
-    struct Entry {
-        Timer *timer;
-        qint64 due;
-        qint64 order;
-    };
-    QList<Entry> m_entries;
-    qint64 m_now = 0;
-    qint64 m_order = 0;
 };
 
 // All of the above bundled as the forms expect them.
