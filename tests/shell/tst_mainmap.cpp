@@ -17,8 +17,7 @@ struct MapWorld : ShellWorld {
     QString clickAt(QPoint at)
     {
         QWidget *on = map->childAt(at) ? map->childAt(at) : map;
-        mouse(on, QEvent::MouseButtonPress, on->mapFrom(map, at));
-        mouse(on, QEvent::MouseButtonRelease, on->mapFrom(map, at));
+        QTest::mouseClick(on, Qt::LeftButton, {}, on->mapFrom(map, at));
         return on->objectName();
     }
 };

@@ -31,7 +31,7 @@ private slots:
             // The twelfth tick hands over; the splash stays up, frozen, while the probe blocks.
             s.sp.connection.duringProbe = [&] { QVERIFY(f->isVisible() && f->sts->text() == program); };
             s.sp.clock.advance(399);
-            QVERIFY(!s.sp.forms.isLoaded(QStringLiteral("Form2")));
+            QVERIFY(!s.sp.forms.isLoaded(QStringLiteral("Form2")) && !f->Timer2->Enabled());
             s.sp.clock.advance(1);
             QCOMPARE(s.sp.connection.probed, QStringList{QStringLiteral("http://example.com/")});
             QVERIFY(!f->Timer1->Enabled() && f->Timer2->Enabled() && !f->isVisible());
