@@ -13,24 +13,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// A listener nobody serves: the kernel takes the connection, no one answers.
-struct Silent {
-    int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in at{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-    Silent()
-    {
-        socklen_t len = sizeof at;
-        ::bind(fd, reinterpret_cast<sockaddr *>(&at), len);
-        ::getsockname(fd, reinterpret_cast<sockaddr *>(&at), &len);
-        ::listen(fd, 1);
-    }
-    ~Silent() { ::close(fd); }
-};
-
-} // namespace
-
 class tst_connection : public QObject {
     Q_OBJECT
 private slots:
@@ -46,13 +28,19 @@ private slots:
         QVERIFY(http.file(u"http.log"_s).contains(u"\"GET /none HTTP/1.0\" 404"_s));
 
         c.totalLimit = std::chrono::milliseconds(1500);
-        Silent silent;
+        const int silent = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0); // listening, never served
+        sockaddr_in at{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+        socklen_t len = sizeof at;
+        ::bind(silent, reinterpret_cast<sockaddr *>(&at), len);
+        ::getsockname(silent, reinterpret_cast<sockaddr *>(&at), &len);
+        ::listen(silent, 1);
         for (const QString &url : {u"http://127.0.0.1:%1/"_s.arg(ServicePeer::closedPort()), u"http://zarvent-probe.invalid/"_s,
-                                   u"http://127.0.0.1:%1/"_s.arg(ntohs(silent.at.sin_port)), QString(), u"not a url"_s}) {
+                                   u"http://127.0.0.1:%1/"_s.arg(ntohs(at.sin_port)), QString(), u"not a url"_s}) {
             QElapsedTimer t;
             t.start();
             QVERIFY2(!c.probe(url) && t.elapsed() < 2000, qPrintable(u"%1: %2 ms"_s.arg(url).arg(t.elapsed())));
         }
+        ::close(silent);
     }
 
     void connectedStateFollowsDefaultRoute()
