@@ -58,7 +58,6 @@ QList<IfRow> numberedRows(quint32 n)
     return rows;
 }
 
-
 // The window and a reader over one scripted table; tick() publishes the rows and lets Timer1 run once.
 struct World {
     ScriptedPlatform sp;
@@ -68,7 +67,6 @@ struct World {
 
     explicit World(QList<IfRow> r = {}) : rows(std::move(r)) { sp.interfaces.image = ifTable(rows); }
     void tick() { sp.interfaces.image = ifTable(rows), sp.clock.advance(200); }
-    // One read: its rows or its error, and the totals it leaves.
     QString read(const QByteArray &image)
     {
         QString outcome;
@@ -164,15 +162,16 @@ private slots:
         QCOMPARE(w.values(), (QStringList{name, "101", "Loopback", "103", "104", "00-A-95-9D-68-16", "Down", "Connecting", "", "108",
                                           "", "110", "111", "112", "113", "114", "", "116", "117", "118", "119"}));
         const auto *cells = static_cast<QStyledItemDelegate *>(w.f.lvInterfaceInfo->itemDelegate());
-        QCOMPARE((QStringList{cells->displayText(name, {}), w.f.Combo1->itemText(0), w.f.Combo1->itemText(1), w.f.lblRecv->text(),
-                              w.f.lblSent->text(), w.shown()}),
-                 (QStringList{"I", "Intel PRO/1000", "lo", "5 108", "5 114", "LLLL Bytes received: 5108 Bytes sent: 5114"}));
+        QCOMPARE((QStringList{cells->displayText(name, {}), cells->displayText(QString(1, QChar(0)) + "x", {}), w.f.Combo1->itemText(0),
+                              w.f.Combo1->itemText(1), w.f.lblRecv->text(), w.f.lblSent->text(), w.shown()}),
+                 (QStringList{"I", "", "Intel PRO/1000", "lo", "5 108", "5 114", "LLLL Bytes received: 5108 Bytes sent: 5114"}));
         // Two reads for the list, two per refresh; the first refresh's Modify comes before the icon and finds none.
         const QList<ScriptedTray::Call> &calls = w.sp.tray.calls;
         const NotifyIconData &added = calls.value(1).data;
         QCOMPARE((QList<qint64>{w.sp.interfaces.calls, calls.size(), calls[0].command, calls[0].answer, calls[1].command,
-                                added.cbSize, added.uID, added.uFlags, added.uCallbackMessage, added.hWnd == &w.f}),
-                 (QList<qint64>{6, 2, Tray::Modify, false, Tray::Add, 88, 1, 7, 512, true}));
+                                added.cbSize, added.uID, added.uFlags, added.uCallbackMessage, added.hWnd == &w.f,
+                                added.hIcon.availableSizes().value(0).width(), w.f.Image1->pixmap().width()}),
+                 (QList<qint64>{6, 2, Tray::Modify, false, Tray::Add, 88, 1, 7, 512, true, 16, 32}));
         QCOMPARE(added.szTip, QString("Bytes received: 5108 Bytes sent: 5114").append(QChar(0)).leftJustified(64));
         // Signed comparisons with the last totals: one that fell counts as no traffic.
         w.rows[1].traffic(0, 0);

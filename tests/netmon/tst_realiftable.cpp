@@ -63,7 +63,7 @@ QString checkAgainstIp(RealInterfaceTable &table, std::vector<MIB_IFROW> &rows)
         const QString address = b["address"].toString(), pairs = QByteArray::fromHex(address.toLatin1()).toHex(':');
         const auto text = [](auto... v) { return QStringList{QVariant(v).toString()...}.join(' '); };
         // Index, name, description, type, MTU, address, admin and oper status, speed, and three fields always 0.
-        const QString got = text(r.dwIndex, nameOf(r), QByteArray(reinterpret_cast<const char *>(r.bDescr), r.dwDescrLen),
+        const QString got = text(r.dwIndex, nameOf(r), QByteArray(reinterpret_cast<const char *>(r.bDescr), qMin(r.dwDescrLen, 256u)),
                                  r.dwType, r.dwMtu, ours, r.dwAdminStatus, r.dwOperStatus, r.dwSpeed, r.dwLastChange,
                                  r.dwOutQLen, r.dwOutNUcastPkts);
         const QString want = text(b["ifindex"].toInt(), name, name, type == "ether" ? 6 : type == "loopback" ? 24 : type == "ppp" ? 23 : 1,
