@@ -57,15 +57,14 @@ private slots:
         t.setTitle("Changed");
         asNobody(t.filename(), 0444, [&] { QVERIFY(!t.WriteTag() && !t.ClearTag() && t.HasTag()); });
         QCOMPARE(read(t.filename()), before);
-        QCOMPARE(openHandles(), handles);
-        t.setfilename(make("rw.mp3", filler(400)));
-        QVERIFY(t.WriteTag() && t.HasTag());
+        QCOMPARE(openHandles(), handles); // none of it kept a slot or a handle
     }
+
     void writeAndClearTag()
     {
         const QByteArray audio = filler(1000), thirtyOne = "abcdefghijklmnopqrstuvwxyz01234";
         const QString path = make("plain.mp3", audio);
-        cIDV3 t, r;
+        cIDV3 t;
         t.setfilename(path);
         QVERIFY(!t.HasTag());
         t.setTitle(thirtyOne);
@@ -79,8 +78,6 @@ private slots:
         QCOMPARE(read(path), audio);
         QVERIFY(t.WriteTag() && t.HasTag());
         QCOMPARE(read(path), audio.left(872) + block("TAG", thirtyOne, "  two", "", "1999", "tab\t", 147));
-        r.setfilename(path);
-        QCOMPARE(tagOf(r), tagOf(t));
         t.setfilename(make("block.mp3", block("TAG", "Only", "Block", "", "2020", "x", 3)));
         QCOMPARE(tagOf(t) + '|' + QString::number(t.FileBytes()), QString("Only|Block||2020|x|3|128"));
         t.setAlbum("Now");
@@ -116,6 +113,7 @@ private slots:
         QVERIFY(t.ClearTag());
         QCOMPARE(read(t.filename()), audio.left(872) + QByteArray(127, '\0') + audio.right(1));
     }
+
     void genresAndTheirList()
     {
         cIDV3 t;
@@ -143,6 +141,7 @@ private slots:
         t.FillComboGenre(failing, index);
         QCOMPARE(QStringList(failing.items) << QString::number(failing.index), QStringList("stale") + names.mid(0, 5) + names.mid(6) << "-1");
     }
+
     void codePageOfTheText()
     {
         cIDV3 t, r;
@@ -162,6 +161,7 @@ private slots:
         QCOMPARE(r.Title().left(3), QStringLiteral(u"€\u0081\u201a"));
         QVERIFY(r.WriteTag() && read(t.filename()).right(128) == b + char(1));
     }
+
     void changesBetweenCallsAreSeen()
     {
         // Overwritten, replaced or removed under the same length and time: still seen.
@@ -192,6 +192,7 @@ private slots:
         }
         QCOMPARE(openHandles(), handles);
     }
+
     void frameAnalysis()
     {
         // Facts ending in '|' go on as a plain frame's; info "=": the row before's.
@@ -199,10 +200,8 @@ private slots:
         QList<std::tuple<QList<std::pair<int, QByteArray>>, qint64, QString, const char *>> rows = {
             {{{0, f}}, 4000000, "4000000|250|", nullptr},
             {{{0, hex("fffa9000")}}, 4000000, "4000000|250|1|3|128|0|44100|Stereo|2|No|Yes|No|No|None", nullptr},
-            {{{0, f}, {15872, block("TAG", "t", "", "", "", "", 1)}}, 16000, "16000|1|", nullptr},
-            {{{0, hex("fff39000")}, {100, hex("fff29000")}, {200, hex("fffd9000")}, {300, hex("fffc9000")}, {400, hex("ffe39000")},
-              {500, hex("fffe9000")}, {600, hex("ffff0000")}, {699, hex("00fffb5044")}},
-             3000, "3000|0|1|3|64|0|44100|Joint Stereo|2|No|No|No|Yes|None", nullptr},
+            {{{0, hex("fff39000")}, {100, hex("fffd9000")}, {200, hex("ffff0000")}, {299, hex("00fffb5044")}}, 3000,
+             "3000|0|1|3|64|0|44100|Joint Stereo|2|No|No|No|Yes|None", nullptr}, // MPEG-2, Layer II, FF FF passed over
             {{{10, hex("fffffb9000")}, {47, "Xing"}, {55, hex("00000007")}}, 3000, "3000|0|1|3|128|7|44100|", nullptr},
             {{{299, hex("ff")}}, 300, "300|0|25|0|0|0|0|Stereo|2|||||None", "="},
             // Past 4999 the header is read from -1: empty bits, version 25.
@@ -210,7 +209,6 @@ private slots:
             {{{5000, f}}, 6000, "6000|0|25|0|0|0|0|Stereo|2|||||None", "="},
             // "Xing" at +36 only, whatever the mode.
             {{{0, f}, {36, "Xing"}, {44, hex("00001000")}}, 9000, "9000|0|1|3|128|4096|44100|", nullptr},
-            {{{0, f}, {36, "Xing"}, {44, hex("7fffffff")}}, 9000, "9000|0|1|3|128|2147483647|44100|", nullptr},
             {{{0, f}, {36, "Xing"}, {44, hex("80000001")}}, 9000, "9000|0|", nullptr},
             {{{0, f}, {36, "xing"}, {44, hex("00001000")}}, 9000, "9000|0|", nullptr},
             {{{0, f}, {36, "Info"}, {44, hex("00001000")}}, 9000, "9000|0|", nullptr},
@@ -220,10 +218,6 @@ private slots:
             {{{0, hex("fffb9400")}}, 16000, "16000|1|1|3|128|0|48000|", nullptr},
             {{{0, hex("fffb9800")}}, 16000, "16000|1|1|3|128|0|32000|", nullptr},
             {{{0, hex("fffb9c00")}}, 16000, "16000|1|1|3|128|0|0|", nullptr}, // rate index 3: no row, the rest runs on
-            {{{0, hex("fffbe000")}}, 16000, "16000|0|1|3|320|0|44100|", nullptr},
-            {{{0, hex("fffb1000")}}, 16000, "16000|4|1|3|32|0|44100|", nullptr},
-            {{{0, hex("fffb0000")}}, 16000, "16000|0|1|3|0|0|44100|", nullptr},
-            {{{0, hex("fffbf000")}}, 16000, "16000|0|1|3|0|0|44100|", nullptr},
             {{{0, f}}, 268435456, "268435456|0|", nullptr},
             {{{0, f}}, 268435455, "268435455|16777|", nullptr},
             {{{0, hex("fffb1000")}}, 131071999, "131071999|32767|1|3|32|0|44100|", nullptr},
@@ -231,17 +225,29 @@ private slots:
             {{{0, "ID3"}, {3, hex("04000000")}}, 6000, "6000|0|0|0|0|0|0|Stereo|2|||||None", "="},
             {{{0, "ID3"}, {35, "Xing"}, {43, hex("00000100")}}, 6000, "6000|0|0|0|0|256|0|Stereo|2|||||None", "="},
             {{{0, hex("ff1800")}}, 16000, "16000|0|1|0|1|0|44100|Stereo|2|||||None", "="},
-            // Rows a found frame never reaches; 24 bits have no places 29 and 30.
+            // A row a found frame never reaches; 24 bits have no places 29 and 30.
             {{{0, hex("ff1e40")}}, 16000, "16000|1|1|1|128|0|44100|Stereo|2|No|Yes|||None",
              "Size: 16000 bytes\r\nLength: 1 seconds\r\nMPEG 1.0 layer 1\r\n128kbit, 0 frames\r\n44100hz Stereo\r\n"
              "Private: No\r\nCRCs: Yes\r\nCopyrighted: \r\nOriginal: \r\nEmphasis: None"},
-            {{{0, hex("ff1c40")}}, 16000, "16000|2|1|2|64|0|44100|Stereo|2|No|Yes|||None", nullptr},
         };
         const QStringList words = {"Stereo", "Joint Stereo", "Dual Channel", "Single Channel", "CCITT J 17", "Reserved", "50/15", "None"};
         for (int v = 0; v < 4; ++v) // each mode with another emphasis
             rows.append({{{0, hex("fffb90") + char(v << 6 | (3 - v))}}, 16000,
                          QString("16000|1|1|3|128|0|44100|%1|%2|No|No|No|No|").arg(words[v]).arg(2 - v / 3) + words[4 + v], nullptr});
         cIDV3 t;
+        // Seconds/Kbits of 16000 bytes at each bitrate index, of Layer III, and
+        // of Layer I and II, whose rows only a header read from -1 reaches.
+        QStringList rates;
+        for (const char *head : {"fffb", "ff1e", "ff1c"}) {
+            rates << QString();
+            for (int i = 0; i < 16; ++i) {
+                t.setfilename(make("f.mp3", hex(head) + char(i << 4) + '\0', 16000));
+                rates.last() += QString(" %1/%2").arg(t.Seconds()).arg(t.Kbits());
+            }
+        }
+        QCOMPARE(rates, QStringList({" 0/0 4/32 3/40 2/48 2/56 2/64 1/80 1/96 1/112 1/128 0/160 0/192 0/224 0/256 0/320 0/0",
+                                     " 0/0 4/32 2/64 1/96 1/128 0/160 0/192 0/224 0/256 0/288 0/320 0/352 0/384 0/416 0/448 0/0",
+                                     " 0/0 4/32 2/48 2/56 2/64 1/80 1/96 1/112 1/128 0/160 0/192 0/224 0/256 0/320 0/384 0/0"}));
         for (const auto &[parts, size, want, info] : rows) {
             const QString before = t.InfoString();
             t.setfilename(make("f.mp3", lay(parts), size));
@@ -250,6 +256,7 @@ private slots:
                 QCOMPARE(t.InfoString(), qstrcmp(info, "=") ? QString(info) : before);
         }
     }
+
     void slotRulesAndBatches()
     {
         FileSlots t;
@@ -325,6 +332,7 @@ private slots:
         });
         QVERIFY(!t.IsOpen(1));
     }
+
     void shortFileTakesSlotOneForGood() // last: nothing gives the slot back
     {
         // Under 128 bytes a tag routine fails after opening slot 1, kept for good.

@@ -39,6 +39,7 @@ private slots:
                  {"sox", "sox"}, {"lame", "lame"}, {"ffprobe", "ffmpeg"}, {"id3v2", "id3v2"}})
             QVERIFY2(!QStandardPaths::findExecutable(program).isEmpty(), qPrintable(program + ": install the Debian package " + package));
     }
+
     void framesAgreeWithLameAndFfprobe()
     {
         // Options, rate, mode and CRC, Copyrighted|Original|Emphasis. Mono VBR
@@ -68,6 +69,7 @@ private slots:
             QVERIFY(!cbr || qAbs(t.Seconds() - f["duration"].toString().toDouble()) < 1.0);
         }
     }
+
     void blockOfId3v2()
     {
         const QString one = lame("id3v2.mp3", {"-b", "128"});

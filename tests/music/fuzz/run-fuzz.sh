@@ -8,7 +8,6 @@ src=$here/../../../src
 work=${FUZZ_WORK:-$(mktemp -d)}
 cxx=${CXX_FUZZ:-$(command -v clang++ || command -v clang++-14 || true)}
 [ -n "$cxx" ] || { echo "clang++ not found: install the Debian packages clang and libclang-rt-14-dev" >&2; exit 2; }
-pkg-config --exists Qt6Core || { echo "Qt6Core not found: install the Debian package qt6-base-dev" >&2; exit 2; }
 s=$work/seeds
 rm -rf "$s" && mkdir -p "$s" "$work/corpus" "$work/artifacts"
 # shellcheck disable=SC2046
