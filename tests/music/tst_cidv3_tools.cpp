@@ -42,7 +42,7 @@ private slots:
 
     void framesAgreeWithLameAndFfprobe()
     {
-        // Options, rate, mode and CRC, Copyrighted|Original|Emphasis. Mono VBR
+        // Options, rate, Mode|Channels|Private|CRCs, Copyrighted|Original|Emphasis. Mono VBR
         // puts its "Xing" count at +21, where it is not looked for.
         const QList<std::tuple<QStringList, int, QString, QString>> files = {
             {{"-b", "128"}, 44100, "Joint Stereo|2|No|No", "No|Yes|None"},
